@@ -1,0 +1,7 @@
+#include "DebugCategories.h"
+
+const QLoggingCategory &debLowLevel()
+{
+    static const QLoggingCategory category("workbench.lowlevel", QtWarningMsg);
+    return category;
+}
