@@ -1,0 +1,28 @@
+#pragma once
+
+namespace bench {
+
+/// The reply to the user function that asks for both positions: two bytes and a 32-bit value, which
+/// hold axis 0 and then axis 1 as six bytes, each axis as a 24-bit two's-complement number with the
+/// highest byte first.
+///
+/// | part of the reply       | holds                  |
+/// |-------------------------|------------------------|
+/// | `a`                     | axis 0, bits 16 to 23  |
+/// | `b`                     | axis 0, bits 8 to 15   |
+/// | `value`, bits 24 to 31  | axis 0, bits 0 to 7    |
+/// | `value`, bits 0 to 23   | axis 1                 |
+///
+/// Example: axis 0 at 66051 (0x010203) and axis 1 at -2 (0xFFFFFE) make a = 0x01, b = 0x02 and
+/// value = 0x03FFFFFE.
+struct PositionReply
+{
+    unsigned char a = 0;
+    unsigned char b = 0;
+    unsigned int value = 0;
+};
+
+/// Packs two positions of -8388608 to 8388607.
+PositionReply packPositions(int axis0, int axis1);
+
+} // namespace bench
