@@ -1,0 +1,135 @@
+#include "SynchronisedDriveTool.h"
+
+#include "Positions.h"
+#include "ToolConstants.h"
+#include "TraceThinning.h"
+#include "ui_SynchronisedDriveTool.h"
+
+#include <QGuiApplication>
+#include <QWheelEvent>
+#include <QtCharts/QChart>
+#include <QtCharts/QLineSeries>
+#include <QtCharts/QScatterSeries>
+#include <QtCharts/QValueAxis>
+
+namespace {
+
+struct WheelTurn
+{
+    int delta;
+    QPointF position;
+};
+
+// The single delta and the position under their old names: the newer position is not in Qt 5.12.
+QT_WARNING_PUSH
+QT_WARNING_DISABLE_DEPRECATED
+WheelTurn turnOf(const QWheelEvent *event)
+{
+    return {event->delta(), event->posF()};
+}
+QT_WARNING_POP
+
+int shifted(int limit, qint64 by)
+{
+    return drive::truncated(static_cast<double>(limit + by));
+}
+
+} // namespace
+
+// The spin boxes and the axes are two views of one state. A range set by a zoom goes into the spin
+// boxes, whose own handlers may move it further, and comes back as whole numbers.
+
+void SynchronisedDriveTool::rangeChangedX(double min, double max)
+{
+    redrawTrace([min, max](const QPointF &point) { return min <= point.x() && point.x() <= max; });
+    ui->spM0max->setValue(drive::truncated(max));
+    ui->spM0min->setValue(drive::truncated(min));
+    axisX->setRange(ui->spM0min->value(), ui->spM0max->value());
+}
+
+void SynchronisedDriveTool::rangeChangedY(double min, double max)
+{
+    redrawTrace([min, max](const QPointF &point) { return min <= point.y() && point.y() <= max; });
+    ui->spM1max->setValue(drive::truncated(max));
+    ui->spM1min->setValue(drive::truncated(min));
+    axisY->setRange(ui->spM1min->value(), ui->spM1max->value());
+}
+
+/// Draws the history anew, thinned for the present scale, without the points outside the range that
+/// changed.
+template <typename Accepts>
+void SynchronisedDriveTool::redrawTrace(const Accepts &isInRange)
+{
+    QVector<QPointF> kept;
+    drive::appendThinned(
+        kept, tracePoints.cbegin(), tracePoints.cend(), tracePixel(actual()),
+        [this](const QPointF &point) { return tracePixel(point); }, isInRange);
+    if (kept.isEmpty() && traceSeries->count() > 0)
+        kept.append(traceSeries->at(traceSeries->count() - 1));
+    traceSeries->replace(kept);
+}
+
+/// Zooms with Ctrl alone held. The position is the panel's and is used as the chart's as it stands;
+/// no turn at all counts as zooming in: both meant so.
+void SynchronisedDriveTool::wheelEvent(QWheelEvent *ev)
+{
+    if (!ui || QGuiApplication::keyboardModifiers() != Qt::ControlModifier)
+        return;
+    const WheelTurn turn = turnOf(ev);
+    QPushButton *button = turn.delta < 0 ? ui->btnZoomOut : ui->btnZoomIn;
+    button->setProperty(drive::property::zoomPoint, drive::rounded(turn.position));
+    button->click();
+    button->setProperty(drive::property::zoomPoint, QVariant());
+    ev->accept();
+}
+
+/// Zooms as the sending button says. With the wheel the value under the pointer stays where it is;
+/// otherwise the view is centred on the actual position.
+void SynchronisedDriveTool::zoom()
+{
+    if (!ui)
+        return;
+    const QObject *button = sender();
+    const QVariant wheelAt = button ? button->property(drive::property::zoomPoint) : QVariant();
+    const QPoint before = drive::rounded(chart->mapToValue(wheelAt.toPointF()));
+    if (button == ui->btnZoomOut)
+        chart->zoomOut();
+    else if (button == ui->btnZoomIn)
+        chart->zoomIn();
+
+    QPoint reference = before;
+    QPoint centre = drive::rounded(chart->mapToValue(wheelAt.toPointF()));
+    if (!wheelAt.isValid()) {
+        reference = drive::rounded(actual());
+        centre = {(ui->spM0max->value() + ui->spM0min->value()) / 2,
+                  (ui->spM1min->value() + ui->spM1max->value()) / 2};
+    }
+    shiftView(qint64(reference.x()) - centre.x(), qint64(reference.y()) - centre.y());
+}
+
+/// Moves the limits, all as they are now, by position units; along each axis only when it is by
+/// enough not to jitter.
+void SynchronisedDriveTool::shiftView(qint64 dx, qint64 dy)
+{
+    const int m0max = ui->spM0max->value();
+    const int m1min = ui->spM1min->value();
+    const int m0min = ui->spM0min->value();
+    const int m1max = ui->spM1max->value();
+    if (qAbs(dx) > drive::zoomShiftThreshold) {
+        ui->spM0max->setValue(shifted(m0max, dx));
+        ui->spM0min->setValue(shifted(m0min, dx));
+    }
+    if (qAbs(dy) > drive::zoomShiftThreshold) {
+        ui->spM1max->setValue(shifted(m1max, dy));
+        ui->spM1min->setValue(shifted(m1min, dy));
+    }
+}
+
+/// The button is a toggle on purpose; each click clears.
+void SynchronisedDriveTool::on_btnClearTraces_clicked()
+{
+    if (!ui)
+        return;
+    traceSeries->replace(QVector<QPointF>{actual()});
+    tracePoints = {actual()};
+}

@@ -1,0 +1,221 @@
+#include "SynchronisedDriveTool.h"
+
+#include "Positions.h"
+#include "ToolConstants.h"
+#include "ui_SynchronisedDriveTool.h"
+
+#include "BasicTools.h"
+#include "QVXLModuleInterface.h"
+#include "XmlProductIC.h"
+#include "XmlRegisterSet.h"
+#include "XmlRegisterWidget.h"
+#include "XmlRegisterWidgetContainer.h"
+#include "XmlValueRegister.h"
+#include "XmlValueRegisterField.h"
+
+#include <QFormLayout>
+#include <QtCharts/QScatterSeries>
+
+#include <algorithm>
+
+namespace {
+
+QVariant addressOf(XmlValueRegister *reg)
+{
+    return QVariant(reg->address());
+}
+
+XmlValueRegister *registerBehind(XmlRegisterWidget *widget)
+{
+    XmlValueRegisterField *field = widget ? widget->registerField() : nullptr;
+    return field ? field->getRegister() : nullptr;
+}
+
+/// The tool, unless it is gone or being destroyed: while its children die a guard still holds it,
+/// but what it holds is no longer of this class.
+SynchronisedDriveTool *complete(const QPointer<QObject> &tool)
+{
+    return qobject_cast<SynchronisedDriveTool *>(tool.data());
+}
+
+} // namespace
+
+void SynchronisedDriveTool::initXmlRegister()
+{
+    QList<QVariant> addresses;
+    bindRegisters(addresses);
+
+    auto *container = new XmlRegisterWidgetContainer(new QFormLayout, this, QString());
+    bindFields(container);
+    container->widget()->layout()->setContentsMargins(0, 0, 0, 0);
+    ui->settingsLayout->insertWidget(0, container->widget());
+
+    for (XmlRegisterWidget *widget : container->getXmlWidgets()) {
+        if (XmlValueRegister *reg = registerBehind(widget))
+            addresses.append(addressOf(reg));
+    }
+    listRegisters(addresses);
+    listRampRegisters();
+    watchWrites();
+}
+
+void SynchronisedDriveTool::bindRegisters(QList<QVariant> &addresses)
+{
+    const auto bind = [&](QPointer<XmlValueRegister> &member, const QString &name) {
+        member = icProduct->getRegisterByName(name, true);
+        if (member)
+            addresses.append(addressOf(member));
+    };
+    bind(rampModeRegister, QStringLiteral("RAMPMODE"));
+    bind(m0VmaxRegister, QStringLiteral("M0_VMAX"));
+    bind(m0VactualRegister, QStringLiteral("M0_VACTUAL"));
+    bind(m1VmaxRegister, QStringLiteral("M1_VMAX"));
+    bind(m1VactualRegister, QStringLiteral("M1_VACTUAL"));
+}
+
+void SynchronisedDriveTool::bindFields(XmlRegisterWidgetContainer *container)
+{
+    m0XactualWidget = addFieldWidget(container, QStringLiteral("M0_XACTUAL"));
+    if (m0XactualWidget)
+        m0XactualWidget->setInputWidgetReadOnly(true);
+    m1XactualWidget = addFieldWidget(container, QStringLiteral("M1_XACTUAL"));
+    if (m1XactualWidget)
+        m1XactualWidget->setInputWidgetReadOnly(true);
+
+    const QPointer<QObject> self(this);
+    const auto followTarget = [self](XmlRegisterWidget *widget, int axis) {
+        connect(widget, &XmlRegisterWidget::valueChanged, [self, axis](int value) {
+            if (SynchronisedDriveTool *tool = complete(self))
+                tool->targetWidgetChanged(axis, value);
+        });
+    };
+    m0XtargetWidget = addFieldWidget(container, QStringLiteral("M0_XTARGET"));
+    if (m0XtargetWidget)
+        followTarget(m0XtargetWidget, 0);
+    m1XtargetWidget = addFieldWidget(container, QStringLiteral("M1_XTARGET"));
+    if (m1XtargetWidget)
+        followTarget(m1XtargetWidget, 1);
+}
+
+/// The editor for a field, added to the container; null when the chip lacks the field.
+XmlRegisterWidget *SynchronisedDriveTool::addFieldWidget(XmlRegisterWidgetContainer *container,
+                                                         const QString &identifier)
+{
+    XmlValueRegisterField *field = icProduct->getRegisterFieldByIdentifier(identifier, false, true);
+    if (!field)
+        return nullptr;
+    auto *widget = new XmlRegisterWidget(field, this);
+    container->addXmlWidget(widget);
+    return widget;
+}
+
+void SynchronisedDriveTool::listRegisters(QList<QVariant> addresses)
+{
+    std::sort(addresses.begin(), addresses.end(),
+              [](const QVariant &a, const QVariant &b) { return a.toUInt() < b.toUInt(); });
+    QString toolTip = QStringLiteral("Show Register Browser with:");
+    for (const QVariant &address : qAsConst(addresses)) {
+        XmlRegisterSet *registers = icProduct->registerSet();
+        XmlValueRegister *reg = registers ? registers->getRegister(address.toUInt()) : nullptr;
+        toolTip += QLatin1Char('\n') +
+                   BasicTools::iToHex(address.toUInt(), 2, QStringLiteral("0x")) +
+                   QStringLiteral(" : ") + (reg ? reg->name() : QString());
+    }
+    ui->btnShowRegister->setToolTip(toolTip);
+    ui->btnShowRegister->setProperty(drive::property::registerList, addresses);
+}
+
+void SynchronisedDriveTool::listRampRegisters()
+{
+    QList<QVariant> addresses;
+    const auto append = [&addresses](XmlValueRegister *reg) {
+        if (reg)
+            addresses.append(addressOf(reg));
+    };
+    append(m0VmaxRegister);
+    append(m1VmaxRegister);
+    for (const char *axis : {"M0_", "M1_"}) {
+        for (const char *setting : {"AMAX", "DMAX", "V1", "A1", "D1", "V2", "A2", "D2"})
+            append(
+                icProduct->getRegisterByName(QLatin1String(axis) + QLatin1String(setting), true));
+    }
+    ui->btnShowPosition->setProperty(drive::property::rampList, addresses);
+}
+
+/// The value and the motor of a write are not looked at: a ramp register written by anyone, for any
+/// motor, may have changed what the move depends on.
+void SynchronisedDriveTool::watchWrites()
+{
+    const QPointer<QObject> self(this);
+    connect(module(), &QVXLModuleInterface::registerOutputBufferHasWritten,
+            [self](unsigned short address) {
+                if (SynchronisedDriveTool *tool = complete(self))
+                    tool->registerWritten(address);
+            });
+}
+
+void SynchronisedDriveTool::registerWritten(unsigned short address)
+{
+    const QVariant written(static_cast<int>(address));
+    const QList<QVariant> watched =
+        ui->btnShowPosition->property(drive::property::rampList).toList();
+    if (watched.contains(written))
+        setRampLink();
+}
+
+/// The marker follows a target edited in its row or written elsewhere.
+void SynchronisedDriveTool::targetWidgetChanged(int axis, int value)
+{
+    if (targetSeries) {
+        QPointF point = target();
+        (axis == 0 ? point.rx() : point.ry()) = value;
+        targetSeries->replace(0, point);
+    }
+    const QPointer<XmlRegisterWidget> &widget = axis == 0 ? m0XtargetWidget : m1XtargetWidget;
+    if (widget)
+        widget->updateActualValue(value, true);
+}
+
+unsigned char SynchronisedDriveTool::motorByte()
+{
+    return static_cast<unsigned char>(motorNumber() & 0xFF);
+}
+
+/// The value of the chip's register of that name; 0 when the chip has none or the read fails.
+int SynchronisedDriveTool::getRegisterValue(const QString &name)
+{
+    int value = 0;
+    XmlValueRegister *reg = icProduct ? icProduct->getRegisterByName(name, true) : nullptr;
+    if (reg)
+        readRegister(reg, motorByte(), &value);
+    return value;
+}
+
+// A request blocks, and a host may handle events meanwhile, the tool's deletion among them. So each
+// of these says whether the tool is still there; the request's own result is not looked at.
+
+bool SynchronisedDriveTool::readRegister(XmlValueRegister *reg, unsigned char motor, int *value)
+{
+    const QPointer<SynchronisedDriveTool> self(this);
+    if (QVXLModuleInterface *connected = module())
+        connected->readChannelRegister(reg, motor, value);
+    return self;
+}
+
+bool SynchronisedDriveTool::writeRegister(XmlValueRegister *reg, int value)
+{
+    const QPointer<SynchronisedDriveTool> self(this);
+    if (QVXLModuleInterface *connected = module())
+        connected->writeChannelRegister(reg, motorByte(), value);
+    return self;
+}
+
+bool SynchronisedDriveTool::writeField(const QPointer<XmlRegisterWidget> &widget, double value)
+{
+    const QPointer<SynchronisedDriveTool> self(this);
+    if (QVXLModuleInterface *connected = module()) {
+        XmlValueRegisterField *field = widget ? widget->registerField() : nullptr;
+        connected->writeAndReadChannelField(field, motorByte(), drive::truncated(value), nullptr);
+    }
+    return self;
+}

@@ -1,0 +1,161 @@
+#pragma once
+
+#include "ToolsInterface.h"
+
+#include <QBasicTimer>
+#include <QPointF>
+#include <QPointer>
+#include <QVector>
+#include <QtCharts/QChartGlobal>
+
+class ChartView;
+class QAction;
+class Ui_SynchronisedDriveTool;
+class XmlProductIC;
+class XmlRegisterWidget;
+class XmlRegisterWidgetContainer;
+class XmlValueRegister;
+
+namespace QtCharts {
+class QChart;
+class QLineSeries;
+class QScatterSeries;
+class QValueAxis;
+} // namespace QtCharts
+
+/// Drives the two axes of a motion-control chip to a target together and draws where they go.
+/// Positions are in the chip's position units; axis 0 is horizontal, axis 1 vertical.
+///
+/// An object is either the prototype, which has no panel and only makes working tools, or a working
+/// tool, complete from its construction and idle until the host shows it.
+class SynchronisedDriveTool : public ToolsInterface
+{
+    Q_OBJECT
+    Q_INTERFACES(ToolsInterface)
+
+public:
+    /// The prototype.
+    SynchronisedDriveTool();
+    /// A working tool. The module is not owned and outlives the tool; null makes a tool that has a
+    /// panel but drives nothing.
+    SynchronisedDriveTool(const QString &name, unsigned char motor, QVXLModuleInterface *module);
+    ~SynchronisedDriveTool() override;
+
+    QString version() override;
+    void showPlugin() override;
+    void hidePlugin() override;
+    ToolsInterface *clone(QString name, unsigned char motor, QVXLModuleInterface *module) override;
+
+private slots:
+    // The event handlers and the host's operation are slots on purpose: callable through the
+    // meta-object too.
+    void initExternTools();
+    void timerEvent(QTimerEvent *ev) override;
+    void wheelEvent(QWheelEvent *ev) override;
+    void siblingIsVisible(const QString &key, bool isVisible) override;
+    void setTargetPosition(QPointF point, QPoint outer = QPoint());
+    void zoom();
+    void on_spM0min_valueChanged(int arg1);
+    void on_spM0max_valueChanged(int arg1);
+    void on_spM1min_valueChanged(int arg1);
+    void on_spM1max_valueChanged(int arg1);
+    void on_pbStart_clicked();
+    void on_pbStop_clicked();
+    void on_btnClearTraces_clicked();
+    void on_btnShowRegister_clicked();
+    void on_btnShowPosition_clicked();
+
+private:
+    // Set-up, in the constructor's order.
+    void initPanel();
+    void initChip();
+    void initXmlRegister();
+    void initChart();
+    void initChartView();
+    void initAxes();
+    void initSeries();
+    void initTargetSeries();
+    void initActualSeries();
+    void initLimits();
+    void initLinkButtons();
+    void initFlightPath();
+    void connectRangeHandlers();
+
+    // Steps of initXmlRegister().
+    void bindRegisters(QList<QVariant> &addresses);
+    void bindFields(XmlRegisterWidgetContainer *container);
+    XmlRegisterWidget *addFieldWidget(XmlRegisterWidgetContainer *container,
+                                      const QString &identifier);
+    void listRegisters(QList<QVariant> addresses);
+    void listRampRegisters();
+    void watchWrites();
+    void registerWritten(unsigned short address);
+
+    // The module.
+    unsigned char motorByte();
+    int getRegisterValue(const QString &name);
+    bool readRegister(XmlValueRegister *reg, unsigned char motor, int *value);
+    bool writeRegister(XmlValueRegister *reg, int value);
+    bool writeField(const QPointer<XmlRegisterWidget> &widget, double value);
+    bool loadTargets();
+
+    // Sibling tools and the ramp check.
+    void linkSibling(ToolsInterface *sibling, const QString &key);
+    void setRampLink();
+    bool listZeroVelocity(XmlValueRegister *reg, const QString &name, QStringList &zeros);
+    bool listZeroRampSettings(const QString &prefix, QStringList &zeros);
+
+    // Target, drawing and view.
+    QPointF target() const;
+    QPointF actual() const;
+    QPoint tracePixel(const QPointF &point) const;
+    void targetWidgetChanged(int axis, int value);
+    void pushLimits(QPoint outer);
+
+    // The polling cycle.
+    void sampleTick(bool isMoving);
+    void updateTick();
+    bool writeNewTarget();
+    void drawSamples();
+    void appendToTrace(const QVector<QPointF> &points);
+    void keepInView(const QPointF &point);
+    void checkEndOfMove();
+    void runNextFlightPathPoint();
+    void trimTrace();
+
+    // Flight path.
+    void runFlightPath(const QAction *action);
+    void editFlightPath(const QAction *action);
+
+    // Zoom.
+    void rangeChangedX(double min, double max);
+    void rangeChangedY(double min, double max);
+    template <typename Accepts>
+    void redrawTrace(const Accepts &isInRange);
+    void shiftView(qint64 dx, qint64 dy);
+
+    // Also their order in memory, and so of destruction.
+    Ui_SynchronisedDriveTool *ui = nullptr;
+    ChartView *chartView = nullptr;
+    QtCharts::QChart *chart = nullptr;
+    QtCharts::QValueAxis *axisY = nullptr;
+    QtCharts::QValueAxis *axisX = nullptr;
+    QtCharts::QScatterSeries *actualSeries = nullptr;
+    QtCharts::QScatterSeries *targetSeries = nullptr;
+    QtCharts::QLineSeries *traceSeries = nullptr;
+    XmlProductIC *icProduct = nullptr;
+    QPointer<XmlValueRegister> rampModeRegister;
+    QPointer<XmlValueRegister> m0VactualRegister;
+    QPointer<XmlValueRegister> m1VactualRegister;
+    QPointer<XmlValueRegister> m0VmaxRegister;
+    QPointer<XmlValueRegister> m1VmaxRegister;
+    QPointer<XmlRegisterWidget> m0XactualWidget;
+    QPointer<XmlRegisterWidget> m1XactualWidget;
+    QPointer<XmlRegisterWidget> m0XtargetWidget;
+    QPointer<XmlRegisterWidget> m1XtargetWidget;
+    QBasicTimer updateTimer;
+    QBasicTimer sampleTimer;
+    QVector<QPointF> pendingSamples;
+    QVector<QPointF> tracePoints;
+    QVector<QPointF> flightPath;
+};

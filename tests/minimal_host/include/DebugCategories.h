@@ -1,0 +1,5 @@
+#pragma once
+
+#include <QLoggingCategory>
+
+const QLoggingCategory &debLowLevel();

@@ -1,0 +1,5 @@
+#pragma once
+
+#include <QLocale>
+
+extern const QLocale curLocale;

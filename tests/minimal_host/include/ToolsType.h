@@ -1,0 +1,6 @@
+#pragma once
+
+struct ToolsType
+{
+    enum Types { SynchronisedDriveTool = 101 };
+};

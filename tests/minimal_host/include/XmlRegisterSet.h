@@ -1,0 +1,9 @@
+#pragma once
+
+class XmlValueRegister;
+
+class XmlRegisterSet
+{
+public:
+    XmlValueRegister *getRegister(unsigned int address);
+};

@@ -1,0 +1,293 @@
+#include "HeadlessPlatform.h"
+#include "PollBench.h"
+
+#include "XmlRegisterWidget.h"
+
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTest>
+
+#include <cmath>
+
+using QtCharts::QXYSeries;
+
+namespace {
+
+/// The trace once these points have been appended one by one, each unless it falls on the pixel of
+/// the one drawn before.
+QVector<QPointF> appended(const ToolBench &bench, const QVector<QPointF> &points)
+{
+    const auto pixel = [&](const QPointF &point) {
+        const QPointF at = bench.chart()->mapToPosition(point, bench.trace());
+        return QPointF(std::floor(at.x() + 0.5), std::floor(at.y() + 0.5));
+    };
+    QVector<QPointF> trace = bench.trace()->pointsVector();
+    for (const QPointF &point : points) {
+        if (pixel(point) != pixel(trace.constLast()))
+            trace << point;
+    }
+    return trace;
+}
+
+} // namespace
+
+class ToolDrawingTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { silenceHeadlessPlatform(); }
+    void samplesAreDrawnTogether();
+    void pointsOnTheSamePixelAreDrawnOnce();
+    void drawingChangesTheTraceAtMostOnce();
+    void theActualMarkerGoesToTheNewestSample();
+    void theActualWidgetsShowTheNewestSample();
+    void drawingWithoutActualWidgetsWorks();
+    void theViewFollowsTheActualPosition_data();
+    void theViewFollowsTheActualPosition();
+    void theViewFollowsInWholeSteps();
+    void theTraceIsCutToItsLength();
+    void aShorterLengthCutsWithTheNextTick();
+    void theHistoryIsBounded();
+    void aPlotOfHardlyAnySizeIsSurvived();
+};
+
+void ToolDrawingTest::samplesAreDrawnTogether()
+{
+    PollBench bench;
+    bench.makeWide();
+    bench.start();
+    bench.sample(1000, 0);
+    bench.sample(2000, 1000);
+    bench.sample(3000, -1000);
+    QCOMPARE(bench.trace()->count(), 1);
+    bench.updateTick();
+    QCOMPARE(bench.trace()->pointsVector(),
+             QVector<QPointF>({{0, 0}, {1000, 0}, {2000, 1000}, {3000, -1000}}));
+    // What is drawn is not drawn again.
+    bench.sample(0, -3000);
+    bench.updateTick();
+    QCOMPARE(bench.trace()->count(), 5);
+}
+
+void ToolDrawingTest::pointsOnTheSamePixelAreDrawnOnce()
+{
+    PollBench bench;
+    bench.makeWide();
+    bench.start();
+    for (int tick = 0; tick < 4; ++tick) {
+        QVector<QPointF> points;
+        for (int i = 1; i <= 200; ++i) {
+            const double t = tick + i / 200.0;
+            points << QPointF(std::floor(2000 * std::sin(t)) + i % 3,
+                              std::floor(1500 * std::cos(2 * t)));
+            bench.sample(int(points.constLast().x()), int(points.constLast().y()));
+        }
+        const QVector<QPointF> wanted = appended(bench, points);
+        QVERIFY(wanted.size() < bench.trace()->count() + 190);
+        QVERIFY(wanted.size() > bench.trace()->count() + 20);
+        bench.updateTick();
+        QCOMPARE(bench.trace()->pointsVector(), wanted);
+    }
+}
+
+void ToolDrawingTest::drawingChangesTheTraceAtMostOnce()
+{
+    PollBench bench;
+    bench.makeWide();
+    bench.start();
+    ChangeCount trace(bench.trace());
+    for (int i = 1; i <= 100; ++i)
+        bench.sample(30 * i, -20 * i);
+    QCOMPARE(trace.take(), 0);
+    bench.updateTick();
+    QCOMPARE(trace.take(), 1);
+    QVERIFY(bench.trace()->count() > 50);
+    // Nothing that shows: another unit on the same pixel.
+    const int before = bench.trace()->count();
+    const int x = appended(bench, {QPointF(3001, -2000)}).size() == before ? 3001 : 2999;
+    bench.sample(x, -2000);
+    bench.updateTick();
+    QCOMPARE(bench.actual()->at(0), QPointF(x, -2000));
+    QCOMPARE(trace.take(), 0);
+}
+
+void ToolDrawingTest::theActualMarkerGoesToTheNewestSample()
+{
+    PollBench bench;
+    bench.makeWide();
+    bench.start();
+    ChangeCount actual(bench.actual());
+    bench.sample(1000, 0);
+    bench.sample(2000, 1000);
+    bench.updateTick();
+    QCOMPARE(actual.take(), 1);
+    QCOMPARE(bench.actual()->pointsVector(), QVector<QPointF>{QPointF(2000, 1000)});
+}
+
+void ToolDrawingTest::theActualWidgetsShowTheNewestSample()
+{
+    PollBench bench;
+    bench.makeWide();
+    QSignalSpy m0(bench.registerWidget("M0_XACTUAL"), &XmlRegisterWidget::valueChanged);
+    QSignalSpy m1(bench.registerWidget("M1_XACTUAL"), &XmlRegisterWidget::valueChanged);
+    bench.start();
+    bench.sample(1000, -7);
+    bench.sample(2000, -8);
+    bench.updateTick();
+    QCOMPARE(m0.count(), 1);
+    QCOMPARE(m0.at(0).at(0).toInt(), 2000);
+    QCOMPARE(m1.count(), 1);
+    QCOMPARE(m1.at(0).at(0).toInt(), -8);
+    QCOMPARE(bench.takeWrites(), QStringList());
+}
+
+void ToolDrawingTest::drawingWithoutActualWidgetsWorks()
+{
+    PollBench bench;
+    bench.makeWide();
+    delete bench.registerWidget("M0_XACTUAL");
+    bench.start();
+    bench.sample(9000, -7);
+    QSignalSpy m1(bench.registerWidget("M1_XACTUAL"), &XmlRegisterWidget::valueChanged);
+    bench.updateTick();
+    QCOMPARE(m1.count(), 1);
+    delete bench.registerWidget("M1_XACTUAL");
+    bench.sample(9001, -9000);
+    bench.updateTick();
+    QCOMPARE(bench.actual()->at(0), QPointF(9001, -9000));
+}
+
+void ToolDrawingTest::theViewFollowsTheActualPosition_data()
+{
+    QTest::addColumn<QPoint>("position");
+    QTest::addColumn<QString>("limits");
+    QTest::newRow("inside") << QPoint(255, -255) << QStringLiteral("-256 256 -256 256");
+    QTest::newRow("on the edges") << QPoint(256, -256) << QStringLiteral("-256 256 -256 256");
+    QTest::newRow("just right") << QPoint(257, 0) << QStringLiteral("-256 512 -256 256");
+    QTest::newRow("just left") << QPoint(-257, 0) << QStringLiteral("-512 256 -256 256");
+    QTest::newRow("just above") << QPoint(0, 257) << QStringLiteral("-256 256 -256 512");
+    QTest::newRow("just below") << QPoint(0, -257) << QStringLiteral("-256 256 -512 256");
+    QTest::newRow("far out") << QPoint(100000, -99900) << QStringLiteral("-256 100096 -100096 256");
+    QTest::newRow("farthest") << QPoint(8388607, -8388608)
+                              << QStringLiteral("-256 8388352 -8388352 256");
+    // A tick, 64 units, beyond the position: one unit less would stay on the grid line before.
+    QTest::newRow("a tick to the line") << QPoint(448, -448) << QStringLiteral("-256 512 -512 256");
+    QTest::newRow("a tick past the line")
+        << QPoint(449, -449) << QStringLiteral("-256 768 -768 256");
+}
+
+void ToolDrawingTest::theViewFollowsTheActualPosition()
+{
+    QFETCH(QPoint, position);
+    QFETCH(QString, limits);
+    PollBench bench;
+    bench.start();
+    bench.sample(position.x(), position.y());
+    bench.updateTick();
+    QCOMPARE(bench.limits(), limits);
+    QCOMPARE(bench.axisX()->min(), double(bench.widget<QSpinBox>("spM0min")->value()));
+    QCOMPARE(bench.axisX()->max(), double(bench.widget<QSpinBox>("spM0max")->value()));
+    QCOMPARE(bench.axisY()->min(), double(bench.widget<QSpinBox>("spM1min")->value()));
+    QCOMPARE(bench.axisY()->max(), double(bench.widget<QSpinBox>("spM1max")->value()));
+}
+
+void ToolDrawingTest::theViewFollowsInWholeSteps()
+{
+    // 512 / 6 is 85 in whole steps, and with the fraction the limit would miss the grid line -512.
+    PollBench bench;
+    bench.setLimits(-1536, -1024, -1536, -1024);
+    bench.axisX()->setTickCount(7);
+    bench.start();
+    bench.sample(-597, -597);
+    bench.updateTick();
+    QCOMPARE(bench.limits(), QStringLiteral("-1536 -512 -1536 -256"));
+    PollBench other;
+    other.setLimits(-1536, -1024, -1536, -1024);
+    other.axisY()->setTickCount(7);
+    other.start();
+    other.sample(-597, -597);
+    other.updateTick();
+    QCOMPARE(other.limits(), QStringLiteral("-1536 -256 -1536 -512"));
+}
+
+void ToolDrawingTest::theTraceIsCutToItsLength()
+{
+    PollBench bench;
+    bench.makeWide();
+    bench.widget<QSpinBox>("spTraces")->setValue(100);
+    bench.start();
+    QVector<QPointF> points;
+    for (int i = 1; i <= 149; ++i) {
+        points << QPointF(i % 2 ? 4000 : -4000, 50 * i);
+        bench.sample(int(points.constLast().x()), int(points.constLast().y()));
+    }
+    bench.updateTick();
+    QCOMPARE(bench.trace()->pointsVector(), points.mid(49));
+    ChangeCount trace(bench.trace());
+    bench.updateTick();
+    QCOMPARE(trace.take(), 0);
+}
+
+void ToolDrawingTest::aShorterLengthCutsWithTheNextTick()
+{
+    PollBench bench;
+    bench.makeWide();
+    bench.start();
+    for (int i = 1; i <= 20; ++i)
+        bench.sample(100 * i, 100 * i);
+    bench.updateTick();
+    bench.updateTick();
+    QVERIFY(bench.startButton()->isEnabled());
+    QCOMPARE(bench.trace()->count(), 21);
+    bench.widget<QSpinBox>("spTraces")->setValue(12);
+    QCOMPARE(bench.trace()->count(), 21);
+    bench.updateTick();
+    QCOMPARE(bench.trace()->count(), 12);
+    QCOMPARE(bench.trace()->at(0), QPointF(900, 900));
+    QCOMPARE(bench.trace()->at(11), QPointF(2000, 2000));
+}
+
+void ToolDrawingTest::theHistoryIsBounded()
+{
+    constexpr int capacity = 100000;
+    constexpr int surplus = 120;
+    PollBench bench;
+    bench.makeWide();
+    bench.start();
+    for (int i = 0; i < surplus; ++i)
+        bench.sample(-6000 + 100 * i, 6000);
+    bench.sample(7000, -7000);
+    for (int i = 1; i < capacity; ++i) {
+        bench.sample(i % 2000, -i / 2000);
+        bench.link.calls.clear();
+    }
+    bench.updateTick();
+    bench.axisX()->setRange(-16384, 16384);
+    const QVector<QPointF> redrawn = bench.trace()->pointsVector();
+    QVERIFY(redrawn.size() > 1);
+    QCOMPARE(redrawn.at(0), QPointF(7000, -7000));
+    for (const QPointF &point : redrawn)
+        QVERIFY(point.y() <= 0);
+}
+
+void ToolDrawingTest::aPlotOfHardlyAnySizeIsSurvived()
+{
+    PollBench bench;
+    bench.makeWide();
+    bench.chart()->setPlotArea(QRectF(100, 100, 1e-300, 1e-300));
+    bench.start();
+    for (int i = 1; i <= 20; ++i)
+        bench.sample(100 * i, -100 * i);
+    bench.updateTick();
+    QCOMPARE(bench.actual()->at(0), QPointF(2000, -2000));
+    bench.widget<QPushButton>("btnZoomIn")->click();
+    bench.widget<QPushButton>("btnZoomOut")->click();
+    bench.sample(9000, 9000);
+    bench.updateTick();
+    QCOMPARE(bench.axisX()->max(), double(bench.widget<QSpinBox>("spM0max")->value()));
+    QVERIFY(bench.trace()->count() >= 1);
+}
+
+QTEST_MAIN(ToolDrawingTest)
+#include "tst_tool_drawing.moc"
