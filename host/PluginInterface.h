@@ -23,8 +23,8 @@ public:
     /// The name that the plug-in was created with.
     QString name() const;
 
-    /// The unique key in the host's registry. The keys of all plug-ins that belong to a module begin
-    /// with that module's key. Empty for a plug-in that is not registered.
+    /// The unique key in the host's registry. The keys of all plug-ins that belong to a module
+    /// begin with that module's key. Empty for a plug-in that is not registered.
     QString key() const;
 
     /// The kind of plug-in; 3 marks a tools plug-in.

@@ -19,8 +19,7 @@ public:
     /// `icon` is a resource path of the host. `module` may be null: a prototype, or a tool without
     /// a module.
     ToolsInterface(const QString &name, const QString &className, ToolsType::Types type,
-                   unsigned char motor, QVXLModuleInterface *module, QString icon,
-                   QWidget *parent);
+                   unsigned char motor, QVXLModuleInterface *module, QString icon, QWidget *parent);
     ~ToolsInterface() override;
 
     /// The module passed to the constructor; null when it had none or the module is gone.

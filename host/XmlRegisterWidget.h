@@ -15,7 +15,8 @@ class XmlRegisterWidget : public QObject
     Q_OBJECT
 
 public:
-    /// `field` is watched, not owned; with a null field the widget shows nothing and writes nothing.
+    /// `field` is watched, not owned; with a null field the widget shows nothing and writes
+    /// nothing.
     XmlRegisterWidget(XmlValueRegisterField *field, QObject *parent);
     ~XmlRegisterWidget() override;
 

@@ -2,6 +2,7 @@
 
 #include "Positions.h"
 #include "ToolConstants.h"
+#include "TraceSeries.h"
 #include "ui_SynchronisedDriveTool.h"
 
 #include <QtCharts/QValueAxis>
@@ -34,24 +35,32 @@ void upperLimitChanged(int limit, QSpinBox *lower, QSpinBox *upper, QtCharts::QV
 
 void SynchronisedDriveTool::on_spM0min_valueChanged(int arg1)
 {
-    if (ui)
-        lowerLimitChanged(arg1, ui->spM0min, ui->spM0max, axisX);
+    if (!ui)
+        return;
+    const TraceRangeChange change(traceSeries);
+    lowerLimitChanged(arg1, ui->spM0min, ui->spM0max, axisX);
 }
 
 void SynchronisedDriveTool::on_spM0max_valueChanged(int arg1)
 {
-    if (ui)
-        upperLimitChanged(arg1, ui->spM0min, ui->spM0max, axisX);
+    if (!ui)
+        return;
+    const TraceRangeChange change(traceSeries);
+    upperLimitChanged(arg1, ui->spM0min, ui->spM0max, axisX);
 }
 
 void SynchronisedDriveTool::on_spM1min_valueChanged(int arg1)
 {
-    if (ui)
-        lowerLimitChanged(arg1, ui->spM1min, ui->spM1max, axisY);
+    if (!ui)
+        return;
+    const TraceRangeChange change(traceSeries);
+    lowerLimitChanged(arg1, ui->spM1min, ui->spM1max, axisY);
 }
 
 void SynchronisedDriveTool::on_spM1max_valueChanged(int arg1)
 {
-    if (ui)
-        upperLimitChanged(arg1, ui->spM1min, ui->spM1max, axisY);
+    if (!ui)
+        return;
+    const TraceRangeChange change(traceSeries);
+    upperLimitChanged(arg1, ui->spM1min, ui->spM1max, axisY);
 }

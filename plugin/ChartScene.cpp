@@ -1,6 +1,7 @@
 #include "SynchronisedDriveTool.h"
 
 #include "ChartView.h"
+#include "TraceSeries.h"
 #include "ui_SynchronisedDriveTool.h"
 
 #include "XmlRegisterWidget.h"
@@ -10,8 +11,6 @@
 #include <QPainter>
 #include <QtCharts/QChart>
 #include <QtCharts/QLegend>
-#include <QtCharts/QLegendMarker>
-#include <QtCharts/QLineSeries>
 #include <QtCharts/QScatterSeries>
 #include <QtCharts/QValueAxis>
 
@@ -84,14 +83,14 @@ void SynchronisedDriveTool::initSeries()
 {
     targetSeries = new QtCharts::QScatterSeries;
     actualSeries = new QtCharts::QScatterSeries;
-    traceSeries = new QtCharts::QLineSeries;
+    traceSeries = new TraceSeries;
 
     // The order in the chart counts: values under a pixel are mapped through the first series, and
     // the view takes the last one for the trace.
     initTargetSeries();
     initActualSeries();
     traceSeries->setName(QStringLiteral("position trace"));
-    chart->addSeries(traceSeries);
+    trace()->addTo(chart);
     chart->legend()->setMarkerShape(QtCharts::QLegend::MarkerShapeFromSeries);
 
     const QList<QtCharts::QXYSeries *> all{traceSeries, actualSeries, targetSeries};
@@ -131,4 +130,10 @@ void SynchronisedDriveTool::connectRangeHandlers()
     connect(
         axisY, &QtCharts::QValueAxis::rangeChanged, axisY,
         [this](qreal min, qreal max) { rangeChangedY(min, max); }, Qt::DirectConnection);
+}
+
+/// The trace as what it is.
+TraceSeries *SynchronisedDriveTool::trace() const
+{
+    return static_cast<TraceSeries *>(traceSeries);
 }

@@ -1,6 +1,7 @@
 #include "ChartView.h"
 
 #include "Positions.h"
+#include "TraceSeries.h"
 
 #include <QGuiApplication>
 #include <QMouseEvent>
@@ -92,14 +93,12 @@ void ChartView::mouseMoveEvent(QMouseEvent *event)
 
 void ChartView::mouseReleaseEvent(QMouseEvent *event)
 {
+    const QList<QtCharts::QAbstractSeries *> all = chart()->series();
+    auto *trace = all.isEmpty() ? nullptr : qobject_cast<QtCharts::QLineSeries *>(all.constLast());
     // A zoom redraws the trace from its history, so no more than its newest point has to be drawn
     // at the new scale meanwhile.
-    if (rubberBand() == RectangleRubberBand) {
-        const QList<QtCharts::QAbstractSeries *> all = chart()->series();
-        auto *trace =
-            all.isEmpty() ? nullptr : qobject_cast<QtCharts::QLineSeries *>(all.constLast());
-        if (trace && trace->count() > 0)
-            trace->replace(QVector<QPointF>{trace->at(trace->count() - 1)});
-    }
+    if (rubberBand() == RectangleRubberBand && trace && trace->count() > 0)
+        trace->replace(QVector<QPointF>{trace->at(trace->count() - 1)});
+    const TraceRangeChange change(trace);
     QChartView::mouseReleaseEvent(event);
 }

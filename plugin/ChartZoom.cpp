@@ -1,7 +1,9 @@
 #include "SynchronisedDriveTool.h"
 
+#include "PixelMap.h"
 #include "Positions.h"
 #include "ToolConstants.h"
+#include "TraceSeries.h"
 #include "TraceThinning.h"
 #include "ui_SynchronisedDriveTool.h"
 
@@ -41,6 +43,7 @@ int shifted(int limit, qint64 by)
 
 void SynchronisedDriveTool::rangeChangedX(double min, double max)
 {
+    const TraceRangeChange change(traceSeries);
     redrawTrace([min, max](const QPointF &point) { return min <= point.x() && point.x() <= max; });
     ui->spM0max->setValue(drive::truncated(max));
     ui->spM0min->setValue(drive::truncated(min));
@@ -49,6 +52,7 @@ void SynchronisedDriveTool::rangeChangedX(double min, double max)
 
 void SynchronisedDriveTool::rangeChangedY(double min, double max)
 {
+    const TraceRangeChange change(traceSeries);
     redrawTrace([min, max](const QPointF &point) { return min <= point.y() && point.y() <= max; });
     ui->spM1max->setValue(drive::truncated(max));
     ui->spM1min->setValue(drive::truncated(min));
@@ -56,17 +60,26 @@ void SynchronisedDriveTool::rangeChangedY(double min, double max)
 }
 
 /// Draws the history anew, thinned for the present scale, without the points outside the range that
-/// changed.
+/// changed. The scale is taken now; the history is gone through when the last of the changes that
+/// set each other off is done.
 template <typename Accepts>
 void SynchronisedDriveTool::redrawTrace(const Accepts &isInRange)
 {
-    QVector<QPointF> kept;
-    drive::appendThinned(
-        kept, tracePoints.cbegin(), tracePoints.cend(), tracePixel(actual()),
-        [this](const QPointF &point) { return tracePixel(point); }, isInRange);
-    if (kept.isEmpty() && traceSeries->count() > 0)
-        kept.append(traceSeries->at(traceSeries->count() - 1));
-    traceSeries->replace(kept);
+    const QPoint from = tracePixel(actual());
+    const auto thinned = [history = tracePoints, from, isInRange](const auto &toPixel) {
+        QVector<QPointF> kept;
+        drive::appendThinned(kept, history.cbegin(), history.cend(), from, toPixel, isInRange);
+        return kept;
+    };
+    if (const std::optional<drive::PixelMap> map = drive::PixelMap::of(chart, traceSeries)) {
+        trace()->redraw([thinned, map] {
+            return thinned(
+                [&](const QPointF &point) { return drive::rounded(map->position(point)); });
+        });
+    } else {
+        const auto kept = thinned([this](const QPointF &point) { return tracePixel(point); });
+        trace()->redraw([kept] { return kept; });
+    }
 }
 
 /// Zooms with Ctrl alone held. The position is the panel's and is used as the chart's as it stands;
@@ -77,9 +90,9 @@ void SynchronisedDriveTool::wheelEvent(QWheelEvent *ev)
         return;
     const WheelTurn turn = turnOf(ev);
     QPushButton *button = turn.delta < 0 ? ui->btnZoomOut : ui->btnZoomIn;
-    button->setProperty(drive::property::zoomPoint, drive::rounded(turn.position));
+    button->setProperty(drive::property::ZoomPoint, drive::rounded(turn.position));
     button->click();
-    button->setProperty(drive::property::zoomPoint, QVariant());
+    button->setProperty(drive::property::ZoomPoint, QVariant());
     ev->accept();
 }
 
@@ -89,8 +102,9 @@ void SynchronisedDriveTool::zoom()
 {
     if (!ui)
         return;
+    const TraceRangeChange change(traceSeries);
     const QObject *button = sender();
-    const QVariant wheelAt = button ? button->property(drive::property::zoomPoint) : QVariant();
+    const QVariant wheelAt = button ? button->property(drive::property::ZoomPoint) : QVariant();
     const QPoint before = drive::rounded(chart->mapToValue(wheelAt.toPointF()));
     if (button == ui->btnZoomOut)
         chart->zoomOut();
@@ -130,6 +144,6 @@ void SynchronisedDriveTool::on_btnClearTraces_clicked()
 {
     if (!ui)
         return;
-    traceSeries->replace(QVector<QPointF>{actual()});
+    trace()->setPoints({actual()});
     tracePoints = {actual()};
 }

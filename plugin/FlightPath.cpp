@@ -43,7 +43,7 @@ QAction *addMenuAction(QMenu *menu, const QString &icon, const QString &text)
 void SynchronisedDriveTool::initFlightPath()
 {
     flightPath = defaultFlightPath();
-    ui->pbStart->setProperty(drive::property::runFlightPath, flightPath.size());
+    ui->pbStart->setProperty(drive::property::RunFlightPath, flightPath.size());
     if (ui->pbStart->menu())
         return;
     auto *menu = new QMenu(this);
@@ -62,7 +62,7 @@ void SynchronisedDriveTool::runFlightPath(const QAction *action)
     logAction(action->text());
     if (flightPath.isEmpty())
         initFlightPath();
-    ui->pbStart->setProperty(drive::property::runFlightPath, 0);
+    ui->pbStart->setProperty(drive::property::RunFlightPath, 0);
     setTargetPosition(flightPath.constFirst(), QPoint(0, 0));
     ui->pbStart->click();
 }

@@ -10,7 +10,9 @@
 #include <QDebug>
 #include <QDialogButtonBox>
 #include <QDir>
+#include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QGraphicsLayout>
 #include <QPointer>
 #include <QPushButton>
@@ -25,11 +27,6 @@
 namespace {
 
 constexpr QSize minimumDialogSize(400, 440);
-
-QString translated(const char *text)
-{
-    return QCoreApplication::translate("SynchronisedDriveTool", text);
-}
 
 /// Keeps the span of two limits within what a double holds.
 double bounded(double limit)
@@ -128,14 +125,28 @@ QWidget *FlightPathDialog::makeButtons()
 void FlightPathDialog::loadCsv()
 {
     const QPointer<FlightPathDialog> self(this);
-    const QString folder = AppSettings().value(folderKey).toString();
-    const QString fileName = QFileDialog::getOpenFileName(parentWidget(), translated("Open plots"),
-                                                          folder, translated("*.csv *.txt"));
+    const QString fileName = askForFile();
     // The file dialog runs an event loop, in which the tool may have been deleted.
     if (!self || fileName.isEmpty() || !readFile(fileName))
         return;
     rememberFolder(fileName);
     fitAxes();
+}
+
+/// Empty when no file is chosen.
+QString FlightPathDialog::askForFile()
+{
+    // Not one on the stack: its parent may be deleted while it is open, and it with it.
+    const QPointer<QFileDialog> dialog(new QFileDialog(
+        parentWidget(), QCoreApplication::translate("SynchronisedDriveTool", "Open plots"),
+        AppSettings().value(folderKey).toString(),
+        QCoreApplication::translate("SynchronisedDriveTool", "*.csv *.txt")));
+    dialog->setFileMode(QFileDialog::ExistingFile);
+    const bool isChosen = dialog->exec() == QDialog::Accepted;
+    if (!dialog)
+        return QString();
+    dialog->deleteLater();
+    return isChosen ? dialog->selectedFiles().value(0) : QString();
 }
 
 /// False, with nothing changed, when the file cannot be opened.

@@ -31,6 +31,7 @@ private:
     QWidget *makeButtons();
     QtCharts::QValueAxis *addAxis(Qt::Alignment side);
     void loadCsv();
+    QString askForFile();
     bool readFile(const QString &fileName);
     void rememberFolder(const QString &fileName) const;
     void fitAxes();

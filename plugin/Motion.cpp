@@ -42,7 +42,7 @@ void SynchronisedDriveTool::setTargetPosition(QPointF point, QPoint outer)
         return;
     if (drive::isFinite(point) && !drive::samePoint(point, target())) {
         targetSeries->replace(0, point);
-        targetSeries->setProperty(drive::property::newTarget, true);
+        targetSeries->setProperty(drive::property::NewTarget, true);
     }
     pushLimits(outer);
 }
@@ -86,7 +86,7 @@ void SynchronisedDriveTool::on_pbStart_clicked()
 /// Loads both targets while both axes are held at velocity 0. False when the tool is gone.
 bool SynchronisedDriveTool::loadTargets()
 {
-    // Axis 1's target is written on both sides of the mode change; the chip wants it so.
+    // Axis 1's target goes out on both sides of the mode change: meant so.
     return writeRegister(m0VmaxRegister, 0) && writeRegister(m1VmaxRegister, 0) &&
            writeRegister(rampModeRegister, drive::rampModePositioning) &&
            writeField(m1XtargetWidget, target().y()) &&
@@ -105,5 +105,5 @@ void SynchronisedDriveTool::on_pbStop_clicked()
                            writeField(m1XtargetWidget, here.y()) &&
                            writeRegister(rampModeRegister, drive::rampModePositioning);
     if (isStopped)
-        ui->pbStart->setProperty(drive::property::runFlightPath, flightPath.size());
+        ui->pbStart->setProperty(drive::property::RunFlightPath, flightPath.size());
 }

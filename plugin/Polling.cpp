@@ -2,6 +2,7 @@
 
 #include "Positions.h"
 #include "ToolConstants.h"
+#include "TraceSeries.h"
 #include "TraceThinning.h"
 #include "ui_SynchronisedDriveTool.h"
 
@@ -73,12 +74,16 @@ void SynchronisedDriveTool::sampleTick(bool isMoving)
                                readPositionsRequest[0], 0};
     if (CommandHandlerInterface *handler = commandHandler())
         handler->setCircularMode(true);
+    if (!self)
+        return;
     reply.value = static_cast<unsigned int>(
         userFunction(&reply.high, &reply.middle, readPositionsFunction, 0));
     if (!self)
         return;
     if (CommandHandlerInterface *handler = commandHandler())
         handler->setCircularMode(false);
+    if (!self)
+        return;
 
     const QPointF position = drive::decodePositions(reply);
     if (!isMoving) {
@@ -95,6 +100,7 @@ void SynchronisedDriveTool::sampleTick(bool isMoving)
 void SynchronisedDriveTool::updateTick()
 {
     const QPointer<SynchronisedDriveTool> self(this);
+    const TraceChange change(trace());
     if (!writeNewTarget())
         return;
     const bool isMoving = !ui->pbStart->isEnabledTo(this);
@@ -109,7 +115,7 @@ void SynchronisedDriveTool::updateTick()
 /// False when the tool is gone.
 bool SynchronisedDriveTool::writeNewTarget()
 {
-    if (!targetSeries->property(drive::property::newTarget).toBool())
+    if (!targetSeries->property(drive::property::NewTarget).toBool())
         return true;
     const QPointer<SynchronisedDriveTool> self(this);
     const QPointF written = target();
@@ -125,7 +131,7 @@ bool SynchronisedDriveTool::writeNewTarget()
     setSignalsBlocked(m1XtargetWidget, false);
     // A target picked while the host waited for the module goes out with the next tick.
     if (drive::samePoint(target(), written))
-        targetSeries->setProperty(drive::property::newTarget, false);
+        targetSeries->setProperty(drive::property::NewTarget, false);
     return true;
 }
 
@@ -147,20 +153,20 @@ void SynchronisedDriveTool::drawSamples()
         keepInView(newest);
 }
 
-/// Each change of the series rebuilds its whole path, so the points go in together.
 void SynchronisedDriveTool::appendToTrace(const QVector<QPointF> &points)
 {
-    QVector<QPointF> trace = traceSeries->pointsVector();
-    const int before = trace.size();
+    QVector<QPointF> kept;
     auto first = points.cbegin();
-    if (trace.isEmpty())
-        trace.append(*first++);
+    if (traceSeries->count() == 0)
+        kept.append(*first++);
+    const QPointF last =
+        kept.isEmpty() ? traceSeries->at(traceSeries->count() - 1) : kept.constLast();
     drive::appendThinned(
-        trace, first, points.cend(), tracePixel(trace.constLast()),
+        kept, first, points.cend(), tracePixel(last),
         [this](const QPointF &point) { return tracePixel(point); },
         [](const QPointF &) { return true; });
-    if (trace.size() != before)
-        traceSeries->replace(trace);
+    if (!kept.isEmpty())
+        trace()->appendPoints(kept);
 }
 
 QPoint SynchronisedDriveTool::tracePixel(const QPointF &point) const
@@ -178,13 +184,19 @@ void SynchronisedDriveTool::keepInView(const QPointF &point)
 /// A move has ended when nothing new was sampled since the last tick and both axes stand still.
 void SynchronisedDriveTool::checkEndOfMove()
 {
+    const int askedByTimer = updateTimer.timerId();
     int m0Velocity = unknownVelocity;
     int m1Velocity = unknownVelocity;
     // Motor 0, whichever motor the tool serves: meant so.
     if (!readRegister(m0VactualRegister, 0, &m0Velocity) ||
         !readRegister(m1VactualRegister, 0, &m1Velocity))
         return;
-    const bool hasEnded = m0Velocity == 0 && m1Velocity == 0;
+    // A host that handles events while it waits may have hidden or shown the tool meanwhile, and
+    // so ended this move or begun another.
+    if (updateTimer.timerId() != askedByTimer)
+        return;
+    // While the host has the whole tool disabled a flight path could not go on, so nothing ends.
+    const bool hasEnded = m0Velocity == 0 && m1Velocity == 0 && isEnabled();
     ui->pbStart->setEnabled(hasEnded);
     if (!hasEnded)
         return;
@@ -195,11 +207,11 @@ void SynchronisedDriveTool::checkEndOfMove()
 
 void SynchronisedDriveTool::runNextFlightPathPoint()
 {
-    const int current = ui->pbStart->property(drive::property::runFlightPath).toInt();
+    const int current = ui->pbStart->property(drive::property::RunFlightPath).toInt();
     const int next = drive::saturatedSum(current, 1);
     if (next < 0 || next >= flightPath.size())
         return;
-    ui->pbStart->setProperty(drive::property::runFlightPath, next);
+    ui->pbStart->setProperty(drive::property::RunFlightPath, next);
     setTargetPosition(flightPath.at(next), QPoint(0, 0));
     ui->pbStart->click();
 }
@@ -208,7 +220,7 @@ void SynchronisedDriveTool::trimTrace()
 {
     const int surplus = traceSeries->count() - ui->spTraces->value();
     if (surplus > 0)
-        traceSeries->removePoints(0, surplus);
+        trace()->removeOldest(surplus);
     if (tracePoints.size() > drive::historyCapacity)
         tracePoints.remove(0, tracePoints.size() - drive::historyCapacity);
 }

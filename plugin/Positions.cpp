@@ -5,6 +5,7 @@
 #include <QtMath>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace drive {

@@ -122,7 +122,7 @@ void SynchronisedDriveTool::listRegisters(QList<QVariant> addresses)
                    QStringLiteral(" : ") + (reg ? reg->name() : QString());
     }
     ui->btnShowRegister->setToolTip(toolTip);
-    ui->btnShowRegister->setProperty(drive::property::registerList, addresses);
+    ui->btnShowRegister->setProperty(drive::property::RegisterList, addresses);
 }
 
 void SynchronisedDriveTool::listRampRegisters()
@@ -139,7 +139,7 @@ void SynchronisedDriveTool::listRampRegisters()
             append(
                 icProduct->getRegisterByName(QLatin1String(axis) + QLatin1String(setting), true));
     }
-    ui->btnShowPosition->setProperty(drive::property::rampList, addresses);
+    ui->btnShowPosition->setProperty(drive::property::RampList, addresses);
 }
 
 /// The value and the motor of a write are not looked at: a ramp register written by anyone, for any
@@ -158,7 +158,7 @@ void SynchronisedDriveTool::registerWritten(unsigned short address)
 {
     const QVariant written(static_cast<int>(address));
     const QList<QVariant> watched =
-        ui->btnShowPosition->property(drive::property::rampList).toList();
+        ui->btnShowPosition->property(drive::property::RampList).toList();
     if (watched.contains(written))
         setRampLink();
 }
@@ -185,7 +185,8 @@ unsigned char SynchronisedDriveTool::motorByte()
 int SynchronisedDriveTool::getRegisterValue(const QString &name)
 {
     int value = 0;
-    XmlValueRegister *reg = icProduct ? icProduct->getRegisterByName(name, true) : nullptr;
+    const bool hasChip = icProduct && module();
+    XmlValueRegister *reg = hasChip ? icProduct->getRegisterByName(name, true) : nullptr;
     if (reg)
         readRegister(reg, motorByte(), &value);
     return value;

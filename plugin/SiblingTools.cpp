@@ -25,7 +25,7 @@ QString textProperty(const QObject *object, const char *name)
 
 bool beginsLike(const QString &toolsName, const QObject *button)
 {
-    return toolsName.startsWith(textProperty(button, drive::property::externToolName));
+    return toolsName.startsWith(textProperty(button, drive::property::ExToolName));
 }
 
 } // namespace
@@ -61,11 +61,11 @@ void SynchronisedDriveTool::linkSibling(ToolsInterface *sibling, const QString &
     qCDebug(debLowLevel) << "void SynchronisedDriveTool::initExternTools()" << int(motor) << name
                          << sibling->parentWidget() << key;
     if (beginsLike(name, ui->btnShowRegister)) {
-        ui->btnShowRegister->setProperty(drive::property::externToolKey0, key);
+        ui->btnShowRegister->setProperty(drive::property::ExToolKey0, key);
         ui->btnShowRegister->setEnabled(true);
     } else if (beginsLike(name, ui->btnShowPosition)) {
         ui->btnShowPosition->setProperty(
-            motor != 0 ? drive::property::externToolKey1 : drive::property::externToolKey0, key);
+            motor != 0 ? drive::property::ExToolKey1 : drive::property::ExToolKey0, key);
         ui->btnShowPosition->setEnabled(true);
     }
 }
@@ -77,7 +77,7 @@ void SynchronisedDriveTool::siblingIsVisible(const QString &key, bool isVisible)
         return;
     qCDebug(debLowLevel)
         << isVisible << "virtual void SynchronisedDriveTool::siblingIsVisible(const QString&, bool)"
-        << key << ui->btnShowRegister->property(drive::property::externToolKey0);
+        << key << ui->btnShowRegister->property(drive::property::ExToolKey0);
 }
 
 // The host is asked with an empty key too, when a sibling was never found.
@@ -87,12 +87,12 @@ void SynchronisedDriveTool::on_btnShowRegister_clicked()
     if (!ui)
         return;
     const QPointer<SynchronisedDriveTool> self(this);
-    emit signalDeviceTreeOperation(
-        openPlugin, textProperty(sender(), drive::property::externToolKey0), QVariant());
+    emit signalDeviceTreeOperation(openPlugin, textProperty(sender(), drive::property::ExToolKey0),
+                                   QVariant());
     if (!self)
         return;
     QTimer::singleShot(exportDelayMs, Qt::PreciseTimer, this, [this] {
-        const QVariant list = ui->btnShowRegister->property(drive::property::registerList);
+        const QVariant list = ui->btnShowRegister->property(drive::property::RegisterList);
         exportValue(&ExportTypes::RegisterList, list.toList());
     });
 }
@@ -103,7 +103,7 @@ void SynchronisedDriveTool::on_btnShowPosition_clicked()
         return;
     const QPointer<SynchronisedDriveTool> self(this);
     const QPointer<QObject> button = sender();
-    for (const char *key : {drive::property::externToolKey0, drive::property::externToolKey1}) {
+    for (const char *key : {drive::property::ExToolKey0, drive::property::ExToolKey1}) {
         emit signalDeviceTreeOperation(openPlugin, textProperty(button, key), QVariant());
         if (!self)
             return;

@@ -95,16 +95,15 @@ void SynchronisedDriveTool::initChip()
 
 void SynchronisedDriveTool::initLimits()
 {
-    ui->spM0min->setValue(-drive::gridStep);
-    ui->spM1min->setValue(-drive::gridStep);
-    ui->spM0max->setValue(drive::gridStep);
-    ui->spM1max->setValue(drive::gridStep);
+    ui->spM0min->setValue(-drive::initialLimit);
+    ui->spM1min->setValue(-drive::initialLimit);
+    ui->spM0max->setValue(drive::initialLimit);
+    ui->spM1max->setValue(drive::initialLimit);
 }
 
 void SynchronisedDriveTool::initLinkButtons()
 {
-    ui->btnShowPosition->setProperty(drive::property::externToolName,
-                                     QStringLiteral("Position mode"));
-    ui->btnShowRegister->setProperty(drive::property::externToolName,
+    ui->btnShowPosition->setProperty(drive::property::ExToolName, QStringLiteral("Position mode"));
+    ui->btnShowRegister->setProperty(drive::property::ExToolName,
                                      QStringLiteral("Register browser"));
 }

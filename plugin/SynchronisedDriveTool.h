@@ -10,6 +10,7 @@
 
 class ChartView;
 class QAction;
+class TraceSeries;
 class Ui_SynchronisedDriveTool;
 class XmlProductIC;
 class XmlRegisterWidget;
@@ -108,6 +109,7 @@ private:
     // Target, drawing and view.
     QPointF target() const;
     QPointF actual() const;
+    TraceSeries *trace() const;
     QPoint tracePixel(const QPointF &point) const;
     void targetWidgetChanged(int axis, int value);
     void pushLimits(QPoint outer);
