@@ -1,0 +1,177 @@
+#include "CommandLine.h"
+
+#include <QTest>
+
+using bench::CommandLine;
+using bench::Options;
+using bench::parseCommandLine;
+
+namespace {
+
+CommandLine parsed(const QString &line)
+{
+    QStringList arguments = line.split(QLatin1Char(' '));
+    arguments.removeAll(QString());
+    return parseCommandLine(QStringList{QStringLiteral("workbench")} + arguments);
+}
+
+} // namespace
+
+class CommandLineTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void hasUsableDefaults();
+    void takesEveryOption();
+    void takesAFlightPath();
+    void takesLinkCosts_data();
+    void takesLinkCosts();
+    void takesTargets_data();
+    void takesTargets();
+    void refusesWithOneLine_data();
+    void refusesWithOneLine();
+    void refusesAnEmptyName();
+    void printsHelpAndVersion();
+};
+
+void CommandLineTest::hasUsableDefaults()
+{
+    const CommandLine result = parsed(QString());
+    QCOMPARE(result.outcome, CommandLine::Run);
+    QVERIFY(!result.options.isUnattended);
+    QVERIFY(result.options.targets.isEmpty());
+    QVERIFY(result.options.flightPathFile.isEmpty());
+    QVERIFY(result.options.pictureFile.isEmpty());
+    QVERIFY(result.options.recordFile.isEmpty());
+    QCOMPARE(result.options.linkCostNs, 500000);
+    QVERIFY(result.options.chipFile.endsWith(QLatin1String("/workbench/chips/dual-axis.xml")));
+    QVERIFY(result.options.pluginsFolder.endsWith(QLatin1String("/workbench/plugins")));
+}
+
+void CommandLineTest::takesEveryOption()
+{
+    const CommandLine result =
+        parsed(QStringLiteral("--unattended --picture p.png --record r.csv --chip c.xml "
+                              "--plugins some/where --target 1,2 --link-cost 7"));
+    QCOMPARE(result.outcome, CommandLine::Run);
+    const Options &options = result.options;
+    QVERIFY(options.isUnattended);
+    QCOMPARE(options.pictureFile, QStringLiteral("p.png"));
+    QCOMPARE(options.recordFile, QStringLiteral("r.csv"));
+    QCOMPARE(options.chipFile, QStringLiteral("c.xml"));
+    QCOMPARE(options.pluginsFolder, QStringLiteral("some/where"));
+    QCOMPARE(options.targets, QVector<QPoint>{QPoint(1, 2)});
+    QCOMPARE(options.linkCostNs, 7000);
+}
+
+void CommandLineTest::takesAFlightPath()
+{
+    const CommandLine result = parsed(QStringLiteral("--unattended --flight-path p/a.csv"));
+    QCOMPARE(result.outcome, CommandLine::Run);
+    QCOMPARE(result.options.flightPathFile, QStringLiteral("p/a.csv"));
+}
+
+void CommandLineTest::takesLinkCosts_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<qint64>("costNs");
+    QTest::newRow("none") << QStringLiteral("--link-cost 0") << qint64(0);
+    QTest::newRow("largest") << QStringLiteral("--link-cost=1000000") << qint64(1000000000);
+    QTest::newRow("the last one counts")
+        << QStringLiteral("--link-cost 5 --link-cost 6") << qint64(6000);
+}
+
+void CommandLineTest::takesLinkCosts()
+{
+    QFETCH(QString, line);
+    QFETCH(qint64, costNs);
+    QCOMPARE(parsed(line).outcome, CommandLine::Run);
+    QCOMPARE(parsed(line).options.linkCostNs, costNs);
+}
+
+void CommandLineTest::takesTargets_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QVector<QPoint>>("targets");
+    using Points = QVector<QPoint>;
+    QTest::newRow("negative") << QStringLiteral("--target -5,-6") << Points{{-5, -6}};
+    QTest::newRow("ends of the axes")
+        << QStringLiteral("--target -8388608,8388607") << Points{{-8388608, 8388607}};
+    QTest::newRow("several in their order")
+        << QStringLiteral("--target 3,4 --target 1,2") << Points{{3, 4}, {1, 2}};
+}
+
+void CommandLineTest::takesTargets()
+{
+    QFETCH(QString, line);
+    QFETCH(QVector<QPoint>, targets);
+    const CommandLine result = parsed(QStringLiteral("--unattended ") + line);
+    QCOMPARE(result.outcome, CommandLine::Run);
+    QCOMPARE(result.options.targets, targets);
+}
+
+void CommandLineTest::refusesWithOneLine_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QString>("mentions");
+    const auto row = [](const char *name, const char *line, const char *mentions) {
+        QTest::newRow(name) << QString::fromLatin1(line) << QString::fromLatin1(mentions);
+    };
+    row("unknown option", "--nonsense", "nonsense");
+    row("stray word", "stray", "stray");
+    row("option without its value", "--unattended --record", "record");
+    row("value for a switch", "--unattended=yes", "unattended");
+    row("target of one number", "--unattended --target 1", "--target");
+    row("target of three numbers", "--unattended --target 1,2,3", "--target");
+    row("target with a fraction", "--unattended --target 1.5,2", "--target");
+    row("target of words", "--unattended --target a,b", "--target");
+    row("target of nothing", "--unattended --target ,", "--target");
+    row("target above 24 bits", "--unattended --target 0,8388608", "8388607");
+    row("target below 24 bits", "--unattended --target -8388609,0", "-8388608");
+    row("target beyond an int", "--unattended --target 99999999999,0", "--target");
+    row("wrong target after a right one", "--unattended --target 1,2 --target x", "\"x\"");
+    row("negative link cost", "--link-cost -1", "--link-cost");
+    row("link cost above a second", "--link-cost 1000001", "1000000");
+    row("link cost with a unit", "--link-cost 5us", "5us");
+    row("picture of no known format", "--unattended --picture a.unknown", "a.unknown");
+    row("picture without a suffix", "--unattended --picture picture", "--picture");
+    row("picture without a run", "--picture a.png", "--unattended");
+    row("record without a run", "--record a.csv", "--unattended");
+    row("flight path without a run", "--flight-path a.csv", "--unattended");
+    row("flight path and a target", "--unattended --flight-path a.csv --target 1,2", "--target");
+    row("target without a run", "--target 1,2", "--unattended");
+}
+
+void CommandLineTest::refusesWithOneLine()
+{
+    QFETCH(QString, line);
+    QFETCH(QString, mentions);
+    const CommandLine result = parsed(line);
+    QCOMPARE(result.outcome, CommandLine::Refuse);
+    QVERIFY2(result.text.contains(mentions), qPrintable(result.text));
+    QVERIFY(!result.text.contains(QLatin1Char('\n')));
+}
+
+void CommandLineTest::refusesAnEmptyName()
+{
+    const CommandLine result =
+        parseCommandLine({QStringLiteral("workbench"), QStringLiteral("--chip"), QString()});
+    QCOMPARE(result.outcome, CommandLine::Refuse);
+    QVERIFY(result.text.contains(QLatin1String("--chip")));
+}
+
+void CommandLineTest::printsHelpAndVersion()
+{
+    const CommandLine help = parsed(QStringLiteral("--help"));
+    QCOMPARE(help.outcome, CommandLine::PrintText);
+    for (const char *option : {"--unattended", "--picture", "--record", "--target", "--flight-path",
+                               "--link-cost", "--chip", "--plugins", "--version"})
+        QVERIFY2(help.text.contains(QLatin1String(option)), option);
+    const CommandLine version = parsed(QStringLiteral("--version"));
+    QCOMPARE(version.outcome, CommandLine::PrintText);
+    QCOMPARE(version.text, QStringLiteral("workbench 4.6.0\n"));
+}
+
+QTEST_GUILESS_MAIN(CommandLineTest)
+#include "tst_app_command_line.moc"

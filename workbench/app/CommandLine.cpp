@@ -1,0 +1,202 @@
+#include "CommandLine.h"
+
+#include "DualAxisMotion.h"
+#include "PluginLoader.h"
+#include "SimulatedLink.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QImageWriter>
+
+#include <optional>
+
+namespace bench {
+
+namespace {
+
+constexpr int nsPerMicrosecond = 1000;
+constexpr int maximumLinkCostUs = 1000000;
+
+const QCommandLineOption unattendedOption{
+    QStringLiteral("unattended"),
+    QStringLiteral("Run a few moves and a flight path through the panel, report each, and exit "
+                   "with 0 when all went well, else with 1.")};
+const QCommandLineOption targetOption{
+    QStringLiteral("target"),
+    QStringLiteral("In an unattended run drive to this point instead of the built-in ones; may be "
+                   "given several times."),
+    QStringLiteral("X,Y")};
+const QCommandLineOption flightPathOption{
+    QStringLiteral("flight-path"),
+    QStringLiteral("In an unattended run load this file into the panel and run it as a flight "
+                   "path, instead of the built-in moves and path."),
+    QStringLiteral("FILE")};
+const QCommandLineOption pictureOption{
+    QStringLiteral("picture"),
+    QStringLiteral("Save a picture of the panel at the end of an unattended run."),
+    QStringLiteral("FILE")};
+const QCommandLineOption recordOption{
+    QStringLiteral("record"),
+    QStringLiteral("Save the positions sampled in an unattended run as CSV."),
+    QStringLiteral("FILE")};
+const QCommandLineOption linkCostOption{
+    QStringLiteral("link-cost"),
+    QStringLiteral("How long each request to the module blocks, 0 to 1000000; 500 when not given."),
+    QStringLiteral("MICROSECONDS")};
+const QCommandLineOption chipOption{
+    QStringLiteral("chip"),
+    QStringLiteral("Description of the chip to simulate; dual-axis.xml when not given."),
+    QStringLiteral("FILE")};
+const QCommandLineOption pluginsOption{QStringLiteral("plugins"),
+                                       QStringLiteral("Folder to load the tools plug-ins from."),
+                                       QStringLiteral("DIR")};
+
+std::optional<int> number(const QString &text, int minimum, int maximum)
+{
+    bool isNumber = false;
+    const int value = text.toInt(&isNumber);
+    if (!isNumber || value < minimum || value > maximum)
+        return std::nullopt;
+    return value;
+}
+
+std::optional<QPoint> point(const QString &text)
+{
+    const QStringList parts = text.split(QLatin1Char(','));
+    if (parts.size() != axisCount)
+        return std::nullopt;
+    const auto x = number(parts.at(0), minimumPosition, maximumPosition);
+    const auto y = number(parts.at(1), minimumPosition, maximumPosition);
+    if (!x || !y)
+        return std::nullopt;
+    return QPoint(*x, *y);
+}
+
+/// Takes the options' values over, one kind after another, until the first fault.
+class OptionsReader
+{
+public:
+    explicit OptionsReader(const QCommandLineParser &commandLine)
+        : parser(commandLine)
+    {
+    }
+
+    CommandLine read()
+    {
+        readFiles();
+        readTargets();
+        readLinkCost();
+        checkCombination();
+        if (!fault.isEmpty())
+            return {CommandLine::Refuse, {}, fault};
+        return {CommandLine::Run, options, {}};
+    }
+
+private:
+    void fail(const QString &reason)
+    {
+        if (fault.isEmpty())
+            fault = reason;
+    }
+
+    QString fileName(const QCommandLineOption &option, const QString &whenNotGiven)
+    {
+        if (!parser.isSet(option))
+            return whenNotGiven;
+        const QString name = parser.value(option);
+        if (name.isEmpty())
+            fail(QStringLiteral("--%1 needs a name").arg(option.names().constFirst()));
+        return name;
+    }
+
+    void readFiles()
+    {
+        options.pictureFile = fileName(pictureOption, {});
+        options.flightPathFile = fileName(flightPathOption, {});
+        options.recordFile = fileName(recordOption, {});
+        options.pluginsFolder = fileName(pluginsOption, PluginLoader::defaultFolder());
+        const QString chipsFolder = QCoreApplication::applicationDirPath() + QLatin1Char('/') +
+                                    QStringLiteral(WORKBENCH_CHIPS_FROM_BIN);
+        options.chipFile =
+            fileName(chipOption, QDir::cleanPath(chipsFolder + QStringLiteral("/dual-axis.xml")));
+        const QByteArray format = QFileInfo(options.pictureFile).suffix().toLower().toLatin1();
+        if (!options.pictureFile.isEmpty() &&
+            !QImageWriter::supportedImageFormats().contains(format))
+            fail(QStringLiteral("--picture: no picture format goes with the name \"%1\"; "
+                                "try one that ends in .png")
+                     .arg(options.pictureFile));
+    }
+
+    void readTargets()
+    {
+        const QStringList texts = parser.values(targetOption);
+        for (const QString &text : texts) {
+            if (const auto target = point(text))
+                options.targets.append(*target);
+            else
+                fail(QStringLiteral("--target: \"%1\" is not X,Y with whole numbers from %2 to %3")
+                         .arg(text)
+                         .arg(minimumPosition)
+                         .arg(maximumPosition));
+        }
+    }
+
+    void readLinkCost()
+    {
+        options.linkCostNs = SimulatedLink::defaultRequestCostNs;
+        if (!parser.isSet(linkCostOption))
+            return;
+        const QString text = parser.value(linkCostOption);
+        if (const auto cost = number(text, 0, maximumLinkCostUs))
+            options.linkCostNs = static_cast<qint64>(*cost) * nsPerMicrosecond;
+        else
+            fail(QStringLiteral("--link-cost: \"%1\" is not a whole number from 0 to %2")
+                     .arg(text)
+                     .arg(maximumLinkCostUs));
+    }
+
+    void checkCombination()
+    {
+        options.isUnattended = parser.isSet(unattendedOption);
+        for (const QCommandLineOption &option :
+             {pictureOption, recordOption, targetOption, flightPathOption}) {
+            if (parser.isSet(option) && !options.isUnattended)
+                fail(QStringLiteral("--%1 goes with --unattended only")
+                         .arg(option.names().constFirst()));
+        }
+        if (parser.isSet(targetOption) && parser.isSet(flightPathOption))
+            fail(QStringLiteral("--flight-path and --target do not go together"));
+        const QStringList extra = parser.positionalArguments();
+        if (!extra.isEmpty())
+            fail(QStringLiteral("\"%1\" is not an option").arg(extra.constFirst()));
+    }
+
+    const QCommandLineParser &parser;
+    Options options;
+    QString fault;
+};
+
+} // namespace
+
+CommandLine parseCommandLine(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("A desk for trying motion-control tools on a simulated dual-axis module."));
+    const auto help = parser.addHelpOption();
+    const auto version = parser.addVersionOption();
+    parser.addOptions({unattendedOption, targetOption, flightPathOption, pictureOption,
+                       recordOption, linkCostOption, chipOption, pluginsOption});
+
+    if (!parser.parse(arguments))
+        return {CommandLine::Refuse, {}, parser.errorText().simplified()};
+    if (parser.isSet(help))
+        return {CommandLine::PrintText, {}, parser.helpText()};
+    if (parser.isSet(version))
+        return {CommandLine::PrintText, {}, QStringLiteral("workbench " WORKBENCH_VERSION "\n")};
+    return OptionsReader(parser).read();
+}
+
+} // namespace bench

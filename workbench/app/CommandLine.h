@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QPoint>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+namespace bench {
+
+/// What the program is asked to do. File names are as given; an empty one was not given.
+struct Options
+{
+    bool isUnattended = false;
+    QString pictureFile;
+    QString recordFile;
+    QVector<QPoint> targets; ///< position units, each within signed 24 bits
+    QString flightPathFile;  ///< excludes targets
+    qint64 linkCostNs = 0;   ///< how long each request blocks
+    QString chipFile;
+    QString pluginsFolder;
+};
+
+/// What came of reading the command line: exactly one of the three outcomes.
+struct CommandLine
+{
+    enum Outcome { Run, PrintText, Refuse };
+
+    Outcome outcome = Run;
+    Options options; ///< for Run
+    QString text;    ///< for PrintText, whole lines; for Refuse one line without its end
+};
+
+/// `arguments` begin with the program's name. Options left out have their default values, which
+/// depend on where the program is: there must be an application object. Neither prints nor ends
+/// anything, and looks at no file.
+CommandLine parseCommandLine(const QStringList &arguments);
+
+} // namespace bench

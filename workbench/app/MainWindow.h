@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QHash>
+#include <QMainWindow>
+#include <QString>
+
+class PluginInterface;
+class QMdiArea;
+class QMenu;
+class ToolsInterface;
+
+namespace bench {
+
+class DeviceTreeView;
+class LogDock;
+class MessageLog;
+class SimulatedModule;
+class ToolWindow;
+
+/// The workbench's window: the device tree, a sub-window for each tool that is open, the log, and
+/// the module's state in the status bar.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    /// Both must outlive the window.
+    MainWindow(SimulatedModule &module, const MessageLog &log, QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    /// Takes a registered tool over and lists it; it is not on screen yet.
+    void addTool(ToolsInterface *tool);
+
+    /// Puts a tool on screen or to the front; nothing happens for an unknown key.
+    void openTool(const QString &key);
+
+    /// As openTool(), filling the area.
+    void openToolMaximised(const QString &key);
+
+    /// The sub-window of a tool, on screen or not; null for an unknown key.
+    ToolWindow *toolWindow(const QString &key) const;
+
+    /// From here on the window's place and layout are kept in the settings, and the kept ones are
+    /// taken over.
+    void rememberLayout();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void addTree();
+    void addLog(const MessageLog &log);
+    void addMenus();
+    void addViewMenu();
+    void showAbout();
+    void saveLayout();
+    ToolWindow *prepareWindow(const QString &key);
+
+    QMdiArea *area = nullptr;
+    DeviceTreeView *tree = nullptr;
+    LogDock *logDock = nullptr;
+    QDockWidget *treeDock = nullptr;
+    QHash<QString, ToolWindow *> windows;
+    bool isLayoutRemembered = false;
+};
+
+} // namespace bench

@@ -1,0 +1,55 @@
+#include "RunReport.h"
+
+#include <cstdio>
+#include <unistd.h>
+
+namespace bench {
+
+namespace {
+
+void print(FILE *stream, const QString &text)
+{
+    std::fputs(text.toLocal8Bit().constData(), stream);
+    std::fflush(stream);
+}
+
+} // namespace
+
+RunReport::RunReport()
+    : isTerminal(isatty(STDOUT_FILENO) != 0)
+{
+}
+
+RunReport::~RunReport()
+{
+    clearProgress();
+}
+
+void RunReport::line(const QString &text)
+{
+    clearProgress();
+    print(stdout, text + QLatin1Char('\n'));
+}
+
+void RunReport::progress(const QString &text)
+{
+    if (!isTerminal)
+        return;
+    clearProgress();
+    print(stdout, text);
+    hasProgress = true;
+}
+
+void RunReport::clearProgress()
+{
+    if (hasProgress)
+        print(stdout, QStringLiteral("\r\033[K"));
+    hasProgress = false;
+}
+
+void complain(const QString &text)
+{
+    print(stderr, QStringLiteral("workbench: %1\n").arg(text));
+}
+
+} // namespace bench

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+
+namespace bench {
+
+/// What an unattended run tells on the terminal. Lines go to the standard output as they come.
+/// Progress is one line that is drawn over, and left out when the output is not a terminal.
+class RunReport
+{
+public:
+    RunReport();
+    ~RunReport();
+
+    void line(const QString &text);
+    void progress(const QString &text);
+
+private:
+    void clearProgress();
+
+    bool isTerminal;
+    bool hasProgress = false;
+};
+
+/// One line on the standard error output, behind the program's name.
+void complain(const QString &text);
+
+} // namespace bench
