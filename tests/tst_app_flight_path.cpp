@@ -75,6 +75,7 @@ private slots:
     void pointPassedWithoutAStopIsNotReached();
     void pointLeftOutIsNotReached();
     void repeatedPointNeedsNoSampleOfItsOwn();
+    void pathMayBeginWhereTheAxesStand();
     void everyLegIsMeasuredAgainstItsOwnLine();
     void pathsAreCheckedAgainstTheRange_data();
     void pathsAreCheckedAgainstTheRange();
@@ -273,6 +274,18 @@ void AppFlightPathTest::repeatedPointNeedsNoSampleOfItsOwn()
     progress.take({2 * second, {0, 0}}, 2, true);
     progress.enter(4);
     QCOMPARE(progress.reachedCount(), 4);
+}
+
+void AppFlightPathTest::pathMayBeginWhereTheAxesStand()
+{
+    FlightProgress progress({{7, 7}, {7, 7}, {10, 0}}, {7, 7}, second);
+    progress.enter(0);
+    QCOMPARE(progress.reachedCount(), 0);
+    progress.enter(2);
+    QCOMPARE(progress.reachedCount(), 2);
+    QCOMPARE(progress.secondsTo(1), 0.0);
+    progress.enter(3);
+    QCOMPARE(progress.reachedCount(), 2);
 }
 
 void AppFlightPathTest::everyLegIsMeasuredAgainstItsOwnLine()

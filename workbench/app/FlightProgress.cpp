@@ -33,9 +33,9 @@ void FlightProgress::take(const Sample &sample, int leg, bool isStandingStill)
 
 void FlightProgress::enter(int leg)
 {
-    while (reachedCount() > 0 && reachedCount() < qMin(leg, pointCount()) &&
-           points.at(reachedCount()) == points.at(reachedCount() - 1))
-        reachedNs.append(reachedNs.constLast());
+    while (reachedCount() < qMin(leg, pointCount()) &&
+           points.at(reachedCount()) == beginOf(reachedCount()))
+        reachedNs.append(reachedNs.isEmpty() ? startNs : reachedNs.constLast());
 }
 
 double FlightProgress::secondsTo(int index) const
