@@ -14,15 +14,35 @@ namespace {
 /// scale's digits as they are.
 const double hugeValue = std::ldexp(1.0, 200);
 
-const QPointF probes[] = {
-    {0, 0}, {1, -1}, {-255.5, 311.25}, {12345.678, -9876.543}, {-8388608, 8388607}};
-
-/// What the chart's lower limit can be, given what it is but for rounding.
+/// What the chart's lower limit can be, given what it is but for rounding. Likely ones first: a
+/// neighbour of the right one may agree with it wherever one looks.
 QVector<double> candidates(double estimate)
 {
     constexpr double fraction = 1048576.0;
-    return {estimate, std::round(estimate), std::round(estimate * fraction) / fraction,
-            std::nextafter(estimate, -HUGE_VAL), std::nextafter(estimate, HUGE_VAL)};
+    constexpr int neighbours = 4;
+    QVector<double> all{std::round(estimate), std::round(estimate * fraction) / fraction, estimate};
+    double below = estimate;
+    double above = estimate;
+    for (int i = 0; i < neighbours; ++i) {
+        below = std::nextafter(below, -HUGE_VAL);
+        above = std::nextafter(above, HUGE_VAL);
+        all << below << above;
+    }
+    return all;
+}
+
+/// Values across and around a range that begins at `lowest`.
+QVector<QPointF> probes(const QPointF &lowest, const QSizeF &range)
+{
+    constexpr int perRange = 16;
+    constexpr double odd = 0.3183;
+    QVector<QPointF> all;
+    for (int i = -perRange / 2; i <= perRange * 3 / 2; ++i) {
+        const double part = (i + odd) / perRange;
+        all << QPointF(std::round(lowest.x() + part * range.width()),
+                       std::round(lowest.y() + part * range.height()));
+    }
+    return all;
 }
 
 } // namespace
@@ -42,8 +62,10 @@ std::optional<PixelMap> PixelMap::of(QtCharts::QChart *chart, QtCharts::QXYSerie
     if (!(map.scaleX > 0) || !(map.scaleY > 0) || !qIsFinite(lowest.x()) || !qIsFinite(lowest.y()))
         return std::nullopt;
 
+    const QVector<QPointF> values =
+        probes(lowest, QSizeF(plot.width() / map.scaleX, plot.height() / map.scaleY));
     const auto agrees = [&](double (QPointF::*coordinate)() const) {
-        for (const QPointF &probe : probes) {
+        for (const QPointF &probe : values) {
             if ((map.position(probe).*coordinate)() !=
                 (chart->mapToPosition(probe, series).*coordinate)())
                 return false;

@@ -17,8 +17,9 @@ namespace drive {
 class PixelMap
 {
 public:
-    /// The map as it is now, which gives the very same doubles as the chart's own mapping does.
-    /// Nothing when it cannot be made so: no plot area, an empty range, another kind of axis.
+    /// The map as it is now. Between limits that are whole numbers it gives the very same doubles
+    /// as the chart's own mapping, between others the same but for the last bits. Nothing when it
+    /// cannot be made so: no plot area, an empty range, another kind of axis.
     static std::optional<PixelMap> of(QtCharts::QChart *chart, QtCharts::QXYSeries *series);
 
     QPointF position(const QPointF &value) const

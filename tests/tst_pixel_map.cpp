@@ -1,0 +1,346 @@
+#include "HeadlessPlatform.h"
+#include "PixelMap.h"
+#include "Positions.h"
+
+#include <QTest>
+#include <QtCharts/QChartView>
+#include <QtCharts/QLineSeries>
+#include <QtCharts/QLogValueAxis>
+#include <QtCharts/QScatterSeries>
+#include <QtCharts/QValueAxis>
+
+#include <cmath>
+#include <cstring>
+#include <random>
+
+using drive::PixelMap;
+
+namespace {
+
+constexpr double farthest = 8388608;
+
+bool fitsInt(const QPointF &point)
+{
+    constexpr double bound = 2147483646;
+    return std::abs(point.x()) < bound && std::abs(point.y()) < bound;
+}
+
+bool isClose(double a, double b)
+{
+    return std::abs(a - b) <= 1e-11 * (2000 + std::abs(b));
+}
+
+/// Two series with the same axes in a chart that is on screen.
+struct MapBench
+{
+    MapBench()
+    {
+        auto *first = new QtCharts::QScatterSeries;
+        chart()->addSeries(first);
+        chart()->addSeries(series);
+        chart()->addAxis(x, Qt::AlignBottom);
+        chart()->addAxis(y, Qt::AlignLeft);
+        for (QtCharts::QXYSeries *all :
+             std::initializer_list<QtCharts::QXYSeries *>{series, first}) {
+            all->append(0, 0);
+            all->attachAxis(x);
+            all->attachAxis(y);
+        }
+    }
+
+    QtCharts::QChart *chart() const { return view.chart(); }
+    std::optional<PixelMap> map() const { return PixelMap::of(chart(), series); }
+
+    double between(double low, double high)
+    {
+        return std::uniform_real_distribution<double>(low, high)(random);
+    }
+    /// Whole, fractional, or on the grid of the limits.
+    double anyValue(double size)
+    {
+        const double value = between(-size, size);
+        switch (random() % 4) {
+        case 0:
+            return value;
+        case 1:
+            return 256 * std::round(value / 256);
+        default:
+            return std::round(value);
+        }
+    }
+    /// Limits as the spin boxes hold them.
+    void setWholeRange(QtCharts::QValueAxis *axis)
+    {
+        const double size = std::exp2(between(9, 22));
+        const double low = 256 * std::round(between(-size, size) / 256);
+        axis->setRange(low, low + 512 + 256 * std::round(between(0, size) / 256));
+    }
+    void setAnyRange(QtCharts::QValueAxis *axis)
+    {
+        const double size = std::exp2(between(9, 23));
+        const double a = anyValue(size);
+        double b = anyValue(size);
+        if (std::abs(a - b) < 1)
+            b = a + 512;
+        axis->setRange(qMin(a, b), qMax(a, b));
+    }
+    void setAnyPlotArea()
+    {
+        const auto length = [&](double value) { return random() % 2 ? value : std::round(value); };
+        chart()->setPlotArea(QRectF(length(between(0, 150)), length(between(0, 150)),
+                                    length(between(20, 2000)), length(between(20, 2000))));
+    }
+
+    /// How the map and the chart disagree for a number of points; nothing when they do not, and
+    /// none when there is no map. The pixels have to be the same, the doubles to the last bit or
+    /// but for rounding.
+    QString disagreement(bool toTheLastBit, int points = 40)
+    {
+        const std::optional<PixelMap> now = map();
+        ++asked;
+        if (!now) {
+            ++missing;
+            return {};
+        }
+        for (int i = 0; i < points; ++i) {
+            const QPointF value(anyValue(farthest), anyValue(std::exp2(between(0, 23))));
+            const QPointF mapped = now->position(value);
+            const QPointF wanted = chart()->mapToPosition(value, series);
+            const bool agrees =
+                toTheLastBit ? std::memcmp(&mapped, &wanted, sizeof mapped) == 0
+                             : isClose(mapped.x(), wanted.x()) && isClose(mapped.y(), wanted.y());
+            if (!agrees || (fitsInt(wanted) && drive::rounded(mapped) != wanted.toPoint()))
+                return QStringLiteral("%1 %2 in %3..%4 %5..%6: %7 %8 and not %9 %10")
+                    .arg(value.x(), 0, 'g', 17)
+                    .arg(value.y(), 0, 'g', 17)
+                    .arg(x->min(), 0, 'g', 17)
+                    .arg(x->max(), 0, 'g', 17)
+                    .arg(y->min(), 0, 'g', 17)
+                    .arg(y->max(), 0, 'g', 17)
+                    .arg(mapped.x(), 0, 'g', 17)
+                    .arg(mapped.y(), 0, 'g', 17)
+                    .arg(wanted.x(), 0, 'g', 17)
+                    .arg(wanted.y(), 0, 'g', 17);
+        }
+        return {};
+    }
+
+    QtCharts::QChartView view;
+    QtCharts::QLineSeries *series = new QtCharts::QLineSeries;
+    QtCharts::QValueAxis *x = new QtCharts::QValueAxis;
+    QtCharts::QValueAxis *y = new QtCharts::QValueAxis;
+    std::mt19937 random{4711};
+    int asked = 0;
+    int missing = 0;
+};
+
+} // namespace
+
+class PixelMapTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { silenceHeadlessPlatform(); }
+    void itAgreesToTheLastBitForWholeLimits_data();
+    void itAgreesToTheLastBitForWholeLimits();
+    void itAgreesForAnyLimits();
+    void itAgreesWithALaidOutChart();
+    void itAgreesBetweenTheChangesOfBothAxes();
+    void itAgreesAtTheExtremes_data();
+    void itAgreesAtTheExtremes();
+    void aMapOutlivesTheRangeItWasTakenIn();
+    void mapsOfTheSameMomentAreEqual();
+    void nothingWithoutAPlotArea();
+    void nothingForAnotherKindOfAxis();
+};
+
+void PixelMapTest::itAgreesToTheLastBitForWholeLimits_data()
+{
+    QTest::addColumn<bool>("wholePlotArea");
+    QTest::newRow("plot area of whole pixels") << true;
+    QTest::newRow("plot area between pixels") << false;
+}
+
+void PixelMapTest::itAgreesToTheLastBitForWholeLimits()
+{
+    QFETCH(bool, wholePlotArea);
+    MapBench bench;
+    for (int i = 0; i < 4000; ++i) {
+        if (i % 7 == 0)
+            bench.setAnyPlotArea();
+        if (wholePlotArea)
+            bench.chart()->setPlotArea(bench.chart()->plotArea().toAlignedRect());
+        bench.setWholeRange(i % 2 ? bench.x : bench.y);
+        QCOMPARE(bench.disagreement(true), QString());
+    }
+    QCOMPARE(bench.missing, 0);
+}
+
+void PixelMapTest::itAgreesForAnyLimits()
+{
+    MapBench bench;
+    for (int i = 0; i < 4000; ++i) {
+        if (i % 7 == 0)
+            bench.setAnyPlotArea();
+        bench.setAnyRange(i % 2 ? bench.x : bench.y);
+        QCOMPARE(bench.disagreement(false), QString());
+    }
+    QVERIFY(bench.missing < bench.asked / 2);
+}
+
+void PixelMapTest::itAgreesWithALaidOutChart()
+{
+    MapBench bench;
+    bench.view.show();
+    for (int i = 0; i < 60; ++i) {
+        bench.view.resize(int(bench.between(300, 1500)), int(bench.between(300, 1000)));
+        bench.setWholeRange(bench.x);
+        bench.setWholeRange(bench.y);
+        QCoreApplication::sendPostedEvents();
+        QVERIFY(bench.chart()->plotArea().width() > 50);
+        QCOMPARE(bench.disagreement(true), QString());
+    }
+    QCOMPARE(bench.missing, 0);
+}
+
+void PixelMapTest::itAgreesBetweenTheChangesOfBothAxes()
+{
+    MapBench bench;
+    int handled = 0;
+    QString first;
+    const auto check = [&] {
+        ++handled;
+        if (first.isEmpty())
+            first = bench.disagreement(false, 10);
+    };
+    connect(bench.x, &QtCharts::QValueAxis::rangeChanged, this, check);
+    connect(bench.y, &QtCharts::QValueAxis::rangeChanged, this, check);
+    for (int i = 0; i < 500; ++i) {
+        bench.setAnyPlotArea();
+        bench.setAnyRange(bench.x);
+        bench.setAnyRange(bench.y);
+        const QRectF plot = bench.chart()->plotArea();
+        switch (i % 4) {
+        case 0:
+            bench.chart()->zoomIn();
+            break;
+        case 1:
+            bench.chart()->zoomOut();
+            break;
+        case 2:
+            bench.chart()->zoomIn(plot.adjusted(3.25, 7.5, -plot.width() / 3, -1.125));
+            break;
+        default:
+            bench.chart()->scroll(bench.between(-50, 50), bench.between(-50, 50));
+            break;
+        }
+        check();
+        QCOMPARE(first, QString());
+    }
+    QVERIFY(handled > 2000);
+}
+
+void PixelMapTest::itAgreesAtTheExtremes_data()
+{
+    QTest::addColumn<double>("min");
+    QTest::addColumn<double>("max");
+    QTest::newRow("everything") << -farthest << farthest;
+    QTest::newRow("twice everything") << -2 * farthest << 2 * farthest;
+    QTest::newRow("least span at the left end") << -farthest << -farthest + 512;
+    QTest::newRow("least span at the right end") << farthest - 512 << farthest;
+    QTest::newRow("least span around zero") << -256.0 << 256.0;
+    QTest::newRow("half the least span") << -128.0 << 128.0;
+    QTest::newRow("from zero") << 0.0 << farthest;
+    QTest::newRow("to zero") << -farthest << 0.0;
+    QTest::newRow("thirds") << -1000 / 3.0 << 10000 / 3.0;
+}
+
+void PixelMapTest::itAgreesAtTheExtremes()
+{
+    QFETCH(double, min);
+    QFETCH(double, max);
+    MapBench bench;
+    for (int i = 0; i < 50; ++i) {
+        bench.setAnyPlotArea();
+        bench.x->setRange(min, max);
+        bench.setAnyRange(bench.y);
+        QCOMPARE(bench.disagreement(false, 100), QString());
+        bench.y->setRange(min, max);
+        bench.setAnyRange(bench.x);
+        QCOMPARE(bench.disagreement(false, 100), QString());
+    }
+}
+
+void PixelMapTest::aMapOutlivesTheRangeItWasTakenIn()
+{
+    MapBench bench;
+    bench.setAnyPlotArea();
+    bench.x->setRange(-1024, 3072);
+    bench.y->setRange(-512, 512);
+    const QPointF value(777, -99);
+    const QPointF before = bench.chart()->mapToPosition(value, bench.series);
+    const std::optional<PixelMap> map = bench.map();
+    bench.chart()->zoomIn();
+    QVERIFY(map.has_value());
+    QVERIFY(bench.chart()->mapToPosition(value, bench.series) != before);
+    QCOMPARE(map->position(value), before);
+}
+
+void PixelMapTest::mapsOfTheSameMomentAreEqual()
+{
+    MapBench bench;
+    bench.setAnyPlotArea();
+    bench.x->setRange(-1024, 3072);
+    const std::optional<PixelMap> map = bench.map();
+    QVERIFY(map.has_value());
+    QVERIFY(*map == *bench.map());
+    bench.x->setRange(-1024, 3328);
+    QVERIFY(!(*map == *bench.map()));
+    bench.x->setRange(-1024, 3072);
+    QVERIFY(*map == *bench.map());
+    bench.y->setRange(-5, 6);
+    QVERIFY(!(*map == *bench.map()));
+    const std::optional<PixelMap> other = bench.map();
+    bench.chart()->setPlotArea(bench.chart()->plotArea().translated(0, 1));
+    QVERIFY(!(*other == *bench.map()));
+}
+
+void PixelMapTest::nothingWithoutAPlotArea()
+{
+    MapBench bench;
+    bench.chart()->setPlotArea(QRectF(100, 100, 0, 0));
+    QVERIFY(!bench.map());
+    MapBench narrow;
+    narrow.view.resize(1, 1);
+    narrow.view.show();
+    QCoreApplication::sendPostedEvents();
+    if (narrow.chart()->plotArea().isEmpty())
+        QVERIFY(!narrow.map());
+    else
+        QCOMPARE(narrow.disagreement(false), QString());
+}
+
+void PixelMapTest::nothingForAnotherKindOfAxis()
+{
+    MapBench bench;
+    bench.setAnyPlotArea();
+    auto *logarithmic = new QtCharts::QLogValueAxis;
+    logarithmic->setRange(1, 1000);
+    bench.series->detachAxis(bench.x);
+    bench.chart()->addAxis(logarithmic, Qt::AlignBottom);
+    bench.series->replace(0, QPointF(5, 5));
+    bench.series->attachAxis(logarithmic);
+    // The map is tried out with values that have no logarithm.
+    static QtMessageHandler next = nullptr;
+    next = qInstallMessageHandler(
+        [](QtMsgType type, const QMessageLogContext &context, const QString &message) {
+            if (!message.startsWith(QLatin1String("Logarithms of zero and negative values")))
+                next(type, context, message);
+        });
+    QVERIFY(!bench.map());
+    qInstallMessageHandler(next);
+}
+
+QTEST_MAIN(PixelMapTest)
+#include "tst_pixel_map.moc"

@@ -1,0 +1,374 @@
+#include "HeadlessPlatform.h"
+#include "ToolBench.h"
+
+#include <QGraphicsLayout>
+#include <QPainter>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTest>
+#include <QtCharts/QLegend>
+
+#include <cmath>
+#include <functional>
+#include <random>
+
+namespace {
+
+/// Images of the same lines differ by this much, and only in few places: what is kept in an image
+/// was rounded once more than what is drawn straight onto the ground. Single pixels differ more: a
+/// line is rasterised a little differently where it is cut off at another place.
+constexpr int mostDifferent = 4;
+constexpr int hardlyDifferent = 2;
+constexpr double fewPixels = 0.001;
+constexpr int singlePixels = 20;
+
+/// A chart view of nothing but the last series, on white.
+void leaveOnlyTheTrace(QtCharts::QChartView *view)
+{
+    QtCharts::QChart *chart = view->chart();
+    view->setBackgroundBrush(Qt::white);
+    chart->setBackgroundVisible(false);
+    chart->legend()->hide();
+    const auto axes = chart->axes();
+    for (QtCharts::QAbstractAxis *axis : axes)
+        axis->hide();
+    const auto all = chart->series();
+    for (QtCharts::QAbstractSeries *series : all.mid(0, all.size() - 1))
+        series->hide();
+}
+
+/// TRACE_SEED in the environment makes other runs.
+unsigned int seed()
+{
+    return qEnvironmentVariableIsSet("TRACE_SEED")
+               ? unsigned(qEnvironmentVariableIntValue("TRACE_SEED"))
+               : 99;
+}
+
+/// The tool, and a plain chart that draws the same points by itself.
+class PicturePair
+{
+public:
+    PicturePair()
+    {
+        bench.show();
+        // Such a velocity never ends the move.
+        bench.setRegister(QStringLiteral("M0_VACTUAL"), 5);
+        bench.call("on_pbStart_clicked");
+        bench.widget<QSpinBox>("spTraces")->setValue(400);
+        leaveOnlyTheTrace(bench.view());
+
+        plain.chart()->addSeries(line);
+        for (auto *axis : {x, y}) {
+            plain.chart()->addAxis(axis, axis == x ? Qt::AlignBottom : Qt::AlignLeft);
+            line->attachAxis(axis);
+        }
+        leaveOnlyTheTrace(&plain);
+        plain.setRenderHints(bench.view()->renderHints());
+        plain.chart()->layout()->setContentsMargins(0, 0, 0, 0);
+        plain.show();
+        setPlotArea(QRectF(40, 20, 500, 400));
+    }
+
+    void setPlotArea(const QRectF &area)
+    {
+        bench.chart()->setPlotArea(area);
+        plain.chart()->setPlotArea(area);
+    }
+
+    /// Goes on from where the axes were, turning little, and draws that.
+    void drive(int samples, double step)
+    {
+        for (int i = 0; i < samples; ++i) {
+            angle += (int(random() % 100) - 50) * 0.01;
+            at += QPointF(std::cos(angle), std::sin(angle)) * step;
+            if (std::abs(at.x()) > 1900 || std::abs(at.y()) > 1900)
+                at *= 0.2;
+            bench.sample(qRound(at.x()), qRound(at.y()));
+        }
+        bench.updateTick();
+    }
+
+    /// Makes the plain chart show what the tool's trace holds now.
+    void copy()
+    {
+        QCoreApplication::sendPostedEvents();
+        plain.resize(bench.view()->size());
+        x->setRange(bench.axisX()->min(), bench.axisX()->max());
+        y->setRange(bench.axisY()->min(), bench.axisY()->max());
+        line->setPen(bench.trace()->pen());
+        line->setVisible(bench.trace()->isVisible());
+        line->replace(bench.trace()->pointsVector());
+        QCoreApplication::sendPostedEvents();
+    }
+
+    ToolBench bench;
+    QtCharts::QChartView plain;
+    std::mt19937 random{seed()};
+
+private:
+    QtCharts::QLineSeries *line = new QtCharts::QLineSeries;
+    QtCharts::QValueAxis *x = new QtCharts::QValueAxis;
+    QtCharts::QValueAxis *y = new QtCharts::QValueAxis;
+    double angle = 0;
+    QPointF at;
+};
+
+QImage blank(const QtCharts::QChartView *view, double ratio)
+{
+    QImage image(view->viewport()->size() * ratio, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    return image;
+}
+
+QImage picture(QtCharts::QChartView *view, double ratio)
+{
+    QImage image = blank(view, ratio);
+    image.setDevicePixelRatio(ratio);
+    view->viewport()->render(&image);
+    return image;
+}
+
+QImage scaledPicture(QtCharts::QChartView *view, double scale)
+{
+    QImage image = blank(view, scale);
+    QPainter painter(&image);
+    painter.scale(scale, scale);
+    view->viewport()->render(&painter);
+    return image;
+}
+
+int channelDifference(QRgb a, QRgb b)
+{
+    return qMax(std::abs(qRed(a) - qRed(b)),
+                qMax(std::abs(qGreen(a) - qGreen(b)), std::abs(qBlue(a) - qBlue(b))));
+}
+
+/// How two images differ by more than they may; nothing when they do not.
+QString difference(const QImage &a, const QImage &b)
+{
+    if (a.size() != b.size())
+        return QStringLiteral("sizes");
+    int worst = 0;
+    int many = 0;
+    int outliers = 0;
+    QPoint place;
+    for (int line = 0; line < a.height(); ++line) {
+        const auto *ofA = reinterpret_cast<const QRgb *>(a.constScanLine(line));
+        const auto *ofB = reinterpret_cast<const QRgb *>(b.constScanLine(line));
+        for (int column = 0; column < a.width(); ++column) {
+            const int by = channelDifference(ofA[column], ofB[column]);
+            many += by > hardlyDifferent;
+            outliers += by > mostDifferent;
+            if (by > worst) {
+                worst = by;
+                place = {column, line};
+            }
+        }
+    }
+    if (outliers <= singlePixels && many <= fewPixels * a.width() * a.height())
+        return {};
+    return QStringLiteral("%1 pixels, by up to %2 at %3 %4")
+        .arg(many)
+        .arg(worst)
+        .arg(place.x())
+        .arg(place.y());
+}
+
+/// Pixels in which the trace shows.
+int drawnPixels(const QImage &image)
+{
+    int drawn = 0;
+    for (int line = 0; line < image.height(); ++line) {
+        for (int column = 0; column < image.width(); ++column)
+            drawn += channelDifference(image.pixel(column, line), qRgb(255, 255, 255)) > 60;
+    }
+    return drawn;
+}
+
+} // namespace
+
+class TracePictureTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { silenceHeadlessPlatform(); }
+    void theChartWouldDrawTheSame_data();
+    void theChartWouldDrawTheSame();
+    void aDifferenceIsSeen();
+    void partsAreDrawnAsTheWhole();
+    void anyScaleIsDrawn();
+    void otherPensAreDrawn_data();
+    void otherPensAreDrawn();
+    void aHiddenTraceIsNotDrawn();
+    void linesAlongTheEdgesShow();
+    void theHistoryOfAnOwnScaleComesBack();
+};
+
+void TracePictureTest::theChartWouldDrawTheSame_data()
+{
+    QTest::addColumn<double>("ratio");
+    QTest::addColumn<bool>("wholePlotArea");
+    QTest::newRow("a pixel a unit") << 1.0 << true;
+    QTest::newRow("two pixels a unit") << 2.0 << true;
+    QTest::newRow("three pixels a unit") << 3.0 << true;
+    QTest::newRow("plot area between pixels") << 1.0 << false;
+    QTest::newRow("plot area between pixels, two a unit") << 2.0 << false;
+    QTest::newRow("a pixel and a half a unit") << 1.5 << true;
+}
+
+void TracePictureTest::theChartWouldDrawTheSame()
+{
+    QFETCH(double, ratio);
+    QFETCH(bool, wholePlotArea);
+    PicturePair pair;
+    ToolBench &bench = pair.bench;
+    const auto random = [&](int low, int high) { return low + int(pair.random() % (high - low)); };
+    const std::function<void()> others[] = {
+        [&] { bench.widget<QPushButton>("btnZoomIn")->click(); },
+        [&] { bench.widget<QPushButton>("btnZoomOut")->click(); },
+        [&] { bench.call("on_btnClearTraces_clicked"); },
+        [&] { bench.widget<QSpinBox>("spTraces")->setValue(random(10, 600)); },
+        [&] { bench.tool()->resize(random(800, 1000), random(500, 700)); },
+        [&] { bench.setLimits(-2048, random(2, 8) * 256, -1024, random(2, 8) * 256); },
+        [&] {
+            const double part = wholePlotArea ? 0 : random(1, 99) / 100.0;
+            pair.setPlotArea(QRectF(random(0, 60) + part, random(0, 60) + part,
+                                    random(200, 500) + part, random(150, 380) - part));
+        }};
+    int drawn = 0;
+    for (int round = 0; round < 60; ++round) {
+        pair.drive(random(1, 150), random(1, 15));
+        if (round % 3 == 2)
+            others[pair.random() % std::size(others)]();
+        pair.copy();
+        const QImage seen = picture(bench.view(), ratio);
+        QCOMPARE(difference(seen, picture(&pair.plain, ratio)), QString());
+        // Kept, and so drawn the same once more.
+        QCOMPARE(difference(seen, picture(bench.view(), ratio)), QString());
+        drawn = qMax(drawn, drawnPixels(seen));
+    }
+    QVERIFY(drawn > 500);
+}
+
+void TracePictureTest::aDifferenceIsSeen()
+{
+    PicturePair pair;
+    pair.drive(60, 12);
+    pair.copy();
+    const QImage before = picture(&pair.plain, 1);
+    pair.drive(1, 12);
+    QVERIFY(!difference(picture(pair.bench.view(), 1), before).isEmpty());
+}
+
+void TracePictureTest::partsAreDrawnAsTheWhole()
+{
+    PicturePair pair;
+    pair.bench.setLimits(-512, 512, -512, 512);
+    for (int round = 0; round < 30; ++round) {
+        pair.drive(40, 12);
+        pair.copy();
+        const QImage whole = picture(&pair.plain, 1);
+        QWidget *viewport = pair.bench.view()->viewport();
+        QImage image = whole;
+        for (int part = 0; part < 3; ++part) {
+            const QRect rect(int(pair.random() % 500), int(pair.random() % 400),
+                             1 + int(pair.random() % 200), 1 + int(pair.random() % 200));
+            viewport->repaint(rect);
+            viewport->render(&image, rect.topLeft(), QRegion(rect));
+        }
+        QCOMPARE(difference(image, whole), QString());
+        QCOMPARE(difference(picture(pair.bench.view(), 1), whole), QString());
+    }
+}
+
+void TracePictureTest::anyScaleIsDrawn()
+{
+    PicturePair pair;
+    for (double scale : {1.5, 0.5, 2.0, 1.0, 0.77, 1.0, 3.0, 9.0 / 8}) {
+        pair.drive(70, 9);
+        pair.copy();
+        QCOMPARE(
+            difference(scaledPicture(pair.bench.view(), scale), scaledPicture(&pair.plain, scale)),
+            QString());
+        pair.drive(7, 9);
+        pair.copy();
+        QCOMPARE(difference(picture(pair.bench.view(), 1), picture(&pair.plain, 1)), QString());
+    }
+}
+
+void TracePictureTest::otherPensAreDrawn_data()
+{
+    QTest::addColumn<QPen>("pen");
+    QTest::newRow("red") << QPen(QColor(Qt::red), 2.0);
+    QTest::newRow("thin") << QPen(QColor(Qt::darkGreen), 0.5);
+    QTest::newRow("wide") << QPen(QColor(Qt::blue), 7.0);
+    QTest::newRow("wide with round caps")
+        << QPen(QBrush(Qt::darkCyan), 9.0, Qt::SolidLine, Qt::RoundCap);
+    QTest::newRow("translucent") << QPen(QColor(200, 0, 0, 90), 3.0);
+}
+
+void TracePictureTest::otherPensAreDrawn()
+{
+    QFETCH(QPen, pen);
+    PicturePair pair;
+    pair.bench.widget<QSpinBox>("spTraces")->setValue(150);
+    pair.drive(90, 12);
+    picture(pair.bench.view(), 1);
+    pair.bench.trace()->setPen(pen);
+    for (int round = 0; round < 12; ++round) {
+        pair.copy();
+        QCOMPARE(difference(picture(pair.bench.view(), 1), picture(&pair.plain, 1)), QString());
+        pair.drive(30, 12);
+    }
+}
+
+void TracePictureTest::aHiddenTraceIsNotDrawn()
+{
+    PicturePair pair;
+    pair.drive(90, 12);
+    QVERIFY(drawnPixels(picture(pair.bench.view(), 1)) > 100);
+    pair.bench.trace()->hide();
+    pair.copy();
+    QCOMPARE(difference(picture(pair.bench.view(), 1), picture(&pair.plain, 1)), QString());
+    QCOMPARE(drawnPixels(picture(pair.bench.view(), 1)), drawnPixels(picture(&pair.plain, 1)));
+    pair.drive(30, 12);
+    pair.bench.trace()->show();
+    pair.copy();
+    QCOMPARE(difference(picture(pair.bench.view(), 1), picture(&pair.plain, 1)), QString());
+}
+
+void TracePictureTest::linesAlongTheEdgesShow()
+{
+    for (const QRectF &area : {QRectF(40, 20, 512, 384), QRectF(40.3, 20.6, 511.5, 383.2)}) {
+        PicturePair pair;
+        pair.setPlotArea(area);
+        for (const QPoint &corner : {QPoint(-256, -256), QPoint(-256, 256), QPoint(256, 256),
+                                     QPoint(256, -256), QPoint(-255, -256)})
+            pair.bench.sample(corner.x(), corner.y());
+        pair.bench.updateTick();
+        pair.copy();
+        QCOMPARE(pair.bench.limits(), QStringLiteral("-256 256 -256 256"));
+        for (double ratio : {1.0, 2.0})
+            QCOMPARE(difference(picture(pair.bench.view(), ratio), picture(&pair.plain, ratio)),
+                     QString());
+    }
+}
+
+void TracePictureTest::theHistoryOfAnOwnScaleComesBack()
+{
+    PicturePair pair;
+    pair.drive(300, 9);
+    for (double ratio : {1.0, 2.0, 1.0}) {
+        for (const char *button : {"btnZoomIn", "btnZoomOut"}) {
+            pair.bench.widget<QPushButton>(button)->click();
+            pair.copy();
+            QCOMPARE(difference(picture(pair.bench.view(), ratio), picture(&pair.plain, ratio)),
+                     QString());
+        }
+    }
+}
+
+QTEST_MAIN(TracePictureTest)
+#include "tst_trace_picture.moc"

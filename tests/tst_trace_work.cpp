@@ -1,0 +1,400 @@
+#include "HeadlessPlatform.h"
+#include "PollBench.h"
+#include "TraceSeries.h"
+
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTest>
+#include <QWheelEvent>
+#include <QtCharts/QLegend>
+
+// Work is counted and not timed: by what a reader of the trace is told of, and by the pixels that
+// are drawn anew, which show in another colour when the pen changes behind the drawing's back.
+
+namespace {
+
+struct WorkBench : PollBench
+{
+    WorkBench()
+    {
+        makeWide();
+        // Such a velocity never ends the move.
+        setVelocities(5, 5);
+        start();
+    }
+    /// A saw-tooth that goes on where it ended, of lines far longer than a pixel.
+    void saw(int points)
+    {
+        for (; points > 0; --points, ++at)
+            sample(-7000 + at * 13 % 14000, at % 2 ? 3000 : -3000);
+    }
+    void wheel(bool in)
+    {
+        const HeldKeys keys(tool(), Qt::ControlModifier);
+        QWheelEvent turn(QPointF(300, 200), QPointF(300, 200), QPoint(), QPoint(0, in ? 120 : -120),
+                         Qt::NoButton, Qt::ControlModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(tool(), &turn);
+    }
+    void mouse(QEvent::Type type, const QPoint &pixel)
+    {
+        QMouseEvent event(type, pixel, pixel, pixel,
+                          type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+                          type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton,
+                          QGuiApplication::keyboardModifiers());
+        QCoreApplication::sendEvent(view()->viewport(), &event);
+    }
+    void band(const QRect &rect)
+    {
+        const HeldKeys keys(tool(), Qt::ControlModifier);
+        mouse(QEvent::MouseButtonPress, rect.topLeft());
+        mouse(QEvent::MouseMove, rect.bottomRight());
+        mouse(QEvent::MouseButtonRelease, rect.bottomRight());
+    }
+
+    int at = 0;
+};
+
+/// A chart with a trace that is drawn by its own item.
+struct DrawnTrace
+{
+    DrawnTrace()
+    {
+        trace->addTo(view.chart());
+        for (auto side : {Qt::AlignBottom, Qt::AlignLeft}) {
+            auto *axis = new QtCharts::QValueAxis;
+            axis->setRange(0, 1000);
+            view.chart()->addAxis(axis, side);
+            axis->hide();
+            trace->attachAxis(axis);
+        }
+        view.chart()->legend()->hide();
+        view.resize(640, 480);
+        view.chart()->setPlotArea(QRectF(20, 20, 500, 400));
+        view.show();
+        trace->setPen(QPen(QColor(Qt::blue), 2.0));
+    }
+    QImage picture()
+    {
+        QImage image(view.viewport()->size(), QImage::Format_RGB32);
+        view.viewport()->render(&image);
+        return image;
+    }
+    /// The pen from now on, without a redraw of what is drawn.
+    void changePenUnnoticed()
+    {
+        const QSignalBlocker blocker(trace);
+        trace->setPen(QPen(QColor(Qt::red), 2.0));
+    }
+    QRect pixels(const QPointF &a, const QPointF &b) const
+    {
+        const QPoint from = view.chart()->mapToPosition(a, trace).toPoint();
+        const QPoint to = view.chart()->mapToPosition(b, trace).toPoint();
+        return QRect(from, from).united(QRect(to, to)).adjusted(-4, -4, 4, 4);
+    }
+
+    QtCharts::QChartView view;
+    TraceSeries *trace = new TraceSeries;
+};
+
+/// Where an image is red.
+QRegion redPart(const QImage &image)
+{
+    QRegion red;
+    for (int line = 0; line < image.height(); ++line) {
+        for (int column = 0; column < image.width(); ++column) {
+            const QColor colour = image.pixelColor(column, line);
+            if (colour.red() > 200 && colour.green() < 60 && colour.blue() < 60)
+                red += QRect(column, line, 1, 1);
+        }
+    }
+    return red;
+}
+
+int area(const QRegion &region)
+{
+    int pixels = 0;
+    for (const QRect &rect : region)
+        pixels += rect.width() * rect.height();
+    return pixels;
+}
+
+QVector<QPointF> zigzag(int first, int last)
+{
+    QVector<QPointF> points;
+    for (int i = first; i < last; ++i)
+        points << QPointF(10 * i, i % 2 ? 300 : 600);
+    return points;
+}
+
+} // namespace
+
+class TraceWorkTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { silenceHeadlessPlatform(); }
+    void aTickChangesTheTraceOnce();
+    void aTickThatAlsoTrimsAndMovesTheViewChangesTheTraceOnce();
+    void aTickWithNothingNewChangesNothing();
+    void aZoomChangesTheTraceOnce_data();
+    void aZoomChangesTheTraceOnce();
+    void aRectangleChangesTheTraceTwice();
+    void aLimitChangesTheTraceOnce();
+    void aPushedLimitChangesTheTraceOnce();
+    void clearingChangesTheTraceOnce();
+    void layoutChangesNothing();
+    void onlyNewLinesAreDrawn();
+    void nothingIsDrawnAnewWithoutAChange();
+    void onlyTheTrimmedPartIsDrawnAnew();
+    void anotherRangeDrawsEverythingAnew();
+    void foreignChangesDrawEverythingAnew();
+};
+
+void TraceWorkTest::aTickChangesTheTraceOnce()
+{
+    WorkBench bench;
+    ChangeCount changes(bench.trace());
+    for (int points : {1, 2, 50, 500}) {
+        bench.saw(points);
+        QCOMPARE(changes.take(), 0);
+        const int before = bench.trace()->count();
+        bench.updateTick();
+        QCOMPARE(changes.take(), 1);
+        QCOMPARE(bench.trace()->count(), before + points);
+    }
+}
+
+void TraceWorkTest::aTickThatAlsoTrimsAndMovesTheViewChangesTheTraceOnce()
+{
+    WorkBench bench;
+    bench.widget<QSpinBox>("spTraces")->setValue(100);
+    bench.saw(200);
+    bench.updateTick();
+    QCOMPARE(bench.trace()->count(), 100);
+    ChangeCount changes(bench.trace());
+    bench.saw(30);
+    bench.updateTick();
+    QCOMPARE(bench.trace()->count(), 100);
+    QCOMPARE(changes.take(), 1);
+    bench.saw(30);
+    bench.sample(20000, -20000);
+    const QString limits = bench.limits();
+    bench.updateTick();
+    QVERIFY(bench.limits() != limits);
+    QCOMPARE(bench.trace()->count(), 100);
+    QCOMPARE(changes.take(), 1);
+}
+
+void TraceWorkTest::aTickWithNothingNewChangesNothing()
+{
+    WorkBench bench;
+    bench.saw(50);
+    bench.updateTick();
+    ChangeCount changes(bench.trace());
+    bench.updateTick();
+    bench.sample(bench.link.position0, bench.link.position1);
+    bench.updateTick();
+    bench.widget<QSpinBox>("spTraces")->setValue(60);
+    bench.updateTick();
+    QCOMPARE(changes.take(), 0);
+}
+
+void TraceWorkTest::aZoomChangesTheTraceOnce_data()
+{
+    QTest::addColumn<bool>("in");
+    QTest::addColumn<bool>("isWheel");
+    QTest::addColumn<int>("x");
+    QTest::newRow("in") << true << false << 0;
+    QTest::newRow("out") << false << false << 0;
+    QTest::newRow("in and to the actual position") << true << false << 6000;
+    QTest::newRow("out and to the actual position") << false << false << -6000;
+    QTest::newRow("wheel in") << true << true << 0;
+    QTest::newRow("wheel out") << false << true << 0;
+}
+
+void TraceWorkTest::aZoomChangesTheTraceOnce()
+{
+    QFETCH(bool, in);
+    QFETCH(bool, isWheel);
+    QFETCH(int, x);
+    WorkBench bench;
+    bench.saw(300);
+    bench.sample(x, x);
+    bench.updateTick();
+    ChangeCount changes(bench.trace());
+    for (int step = 0; step < 3; ++step) {
+        if (isWheel)
+            bench.wheel(in);
+        else
+            bench.widget<QPushButton>(in ? "btnZoomIn" : "btnZoomOut")->click();
+        QCOMPARE(changes.take(), 1);
+    }
+}
+
+void TraceWorkTest::aRectangleChangesTheTraceTwice()
+{
+    WorkBench bench;
+    bench.saw(300);
+    bench.updateTick();
+    ChangeCount changes(bench.trace());
+    const QRect plot = bench.chart()->plotArea().toAlignedRect();
+    const QString limits = bench.limits();
+    bench.band(QRect(plot.center() - QPoint(100, 100), QSize(150, 120)));
+    QVERIFY(bench.limits() != limits);
+    // The newest point alone, and then the zoomed trace.
+    QCOMPARE(changes.take(), 2);
+}
+
+void TraceWorkTest::aLimitChangesTheTraceOnce()
+{
+    WorkBench bench;
+    bench.saw(300);
+    bench.updateTick();
+    ChangeCount changes(bench.trace());
+    const QHash<const char *, int> outward{
+        {"spM0min", -100}, {"spM0max", 100}, {"spM1min", -100}, {"spM1max", 100}};
+    for (auto limit = outward.cbegin(); limit != outward.cend(); ++limit) {
+        auto *box = bench.widget<QSpinBox>(limit.key());
+        // On the grid and off it, where the limit snaps.
+        for (int by : {512, limit.value()}) {
+            box->setValue(box->value() + by);
+            QCOMPARE(changes.take(), 1);
+        }
+        box->setValue(box->value());
+        QCOMPARE(changes.take(), 0);
+    }
+}
+
+void TraceWorkTest::aPushedLimitChangesTheTraceOnce()
+{
+    WorkBench bench;
+    bench.saw(300);
+    bench.updateTick();
+    ChangeCount changes(bench.trace());
+    QVERIFY(bench.setTarget(QPointF(100, 100), QPoint(3, 0)));
+    QCOMPARE(changes.take(), 1);
+    QVERIFY(bench.setTarget(QPointF(200, 100), QPoint(0, -3)));
+    QCOMPARE(changes.take(), 1);
+    QVERIFY(bench.setTarget(QPointF(300, 100), QPoint(0, 0)));
+    QCOMPARE(changes.take(), 0);
+}
+
+void TraceWorkTest::clearingChangesTheTraceOnce()
+{
+    WorkBench bench;
+    bench.saw(300);
+    bench.updateTick();
+    ChangeCount changes(bench.trace());
+    QVERIFY(bench.call("on_btnClearTraces_clicked"));
+    QCOMPARE(changes.take(), 1);
+}
+
+void TraceWorkTest::layoutChangesNothing()
+{
+    WorkBench bench;
+    bench.saw(300);
+    bench.updateTick();
+    const QVector<QPointF> points = bench.trace()->pointsVector();
+    ChangeCount changes(bench.trace());
+    bench.tool()->resize(1000, 700);
+    bench.tool()->hide();
+    bench.tool()->show();
+    bench.chart()->setPlotArea(QRectF(30, 30, 300, 200));
+    QCoreApplication::sendPostedEvents(bench.chart());
+    QCOMPARE(changes.take(), 0);
+    QCOMPARE(bench.trace()->pointsVector(), points);
+}
+
+void TraceWorkTest::onlyNewLinesAreDrawn()
+{
+    DrawnTrace drawn;
+    drawn.trace->setPoints(zigzag(0, 50));
+    drawn.picture();
+    drawn.changePenUnnoticed();
+    // However long the trace has become, each time as much is drawn as was appended.
+    int least = 1000000;
+    int most = 0;
+    int before = 0;
+    for (int first = 50; first < 90; first += 5) {
+        const QVector<QPointF> points = zigzag(first, first + 5);
+        const QPointF from = drawn.trace->at(drawn.trace->count() - 1);
+        drawn.trace->appendPoints(points);
+        const QRegion red = redPart(drawn.picture());
+        const int added = area(red) - before;
+        before = area(red);
+        least = qMin(least, added);
+        most = qMax(most, added);
+        const QRect all = drawn.pixels({490, 300}, points.constLast())
+                              .united(drawn.pixels(from, {points.constLast().x(), 600}));
+        QVERIFY(QRegion(all).contains(red.boundingRect()));
+    }
+    QVERIFY(least > 100);
+    QVERIFY(most < least * 5 / 4);
+}
+
+void TraceWorkTest::nothingIsDrawnAnewWithoutAChange()
+{
+    DrawnTrace drawn;
+    drawn.trace->setPoints(zigzag(0, 80));
+    const QImage before = drawn.picture();
+    drawn.changePenUnnoticed();
+    QCOMPARE(drawn.picture(), before);
+    {
+        const TraceRangeChange change(drawn.trace);
+        const TraceChange other(drawn.trace);
+    }
+    QCOMPARE(drawn.picture(), before);
+    drawn.view.viewport()->repaint(QRect(100, 100, 50, 50));
+    QCOMPARE(drawn.picture(), before);
+}
+
+void TraceWorkTest::onlyTheTrimmedPartIsDrawnAnew()
+{
+    DrawnTrace drawn;
+    const QVector<QPointF> points = zigzag(0, 90);
+    drawn.trace->setPoints(points);
+    const QImage before = drawn.picture();
+    drawn.changePenUnnoticed();
+    drawn.trace->removeOldest(20);
+    const QImage after = drawn.picture();
+    // Up to the last trimmed line and the one that touches it.
+    const QRegion red = redPart(after);
+    const QRect trimmed = drawn.pixels(points.at(0), {points.at(20).x(), 600});
+    QVERIFY(QRegion(trimmed).contains(red.boundingRect()));
+    QCOMPARE(after.copy(trimmed.right() + 1, 0, 600, 480),
+             before.copy(trimmed.right() + 1, 0, 600, 480));
+    QVERIFY(after != before);
+}
+
+void TraceWorkTest::anotherRangeDrawsEverythingAnew()
+{
+    DrawnTrace drawn;
+    drawn.trace->setPoints(zigzag(0, 80));
+    drawn.picture();
+    drawn.changePenUnnoticed();
+    drawn.view.chart()->axes(Qt::Horizontal).constFirst()->setRange(0, 1010);
+    QVERIFY(area(redPart(drawn.picture())) > 5000);
+}
+
+void TraceWorkTest::foreignChangesDrawEverythingAnew()
+{
+    const std::function<void(TraceSeries *)> changes[] = {
+        [](TraceSeries *trace) { trace->append(5, 5); },
+        [](TraceSeries *trace) { trace->remove(3); },
+        [](TraceSeries *trace) { trace->removePoints(3, 2); },
+        [](TraceSeries *trace) { trace->replace(3, QPointF(30, 500)); },
+        [](TraceSeries *trace) { trace->replace(zigzag(0, 80)); }};
+    for (const auto &change : changes) {
+        DrawnTrace drawn;
+        drawn.trace->setPoints(zigzag(0, 80));
+        drawn.picture();
+        drawn.changePenUnnoticed();
+        change(drawn.trace);
+        QVERIFY(area(redPart(drawn.picture())) > 5000);
+    }
+}
+
+QTEST_MAIN(TraceWorkTest)
+#include "tst_trace_work.moc"
