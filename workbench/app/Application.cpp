@@ -3,6 +3,8 @@
 #include "ChipDescriptionReader.h"
 #include "CommandLine.h"
 #include "RunReport.h"
+#include "StopSignal.h"
+#include "TapeFile.h"
 #include "UnattendedSession.h"
 #include "Workbench.h"
 
@@ -32,11 +34,8 @@ std::optional<ChipDescription> readChip(const QString &fileName)
     }
     ChipDescriptionError error;
     auto chip = readChipDescription(&file, &error);
-    if (!chip) {
-        const QString text =
-            QStringLiteral("%1:%2: %3\n").arg(fileName).arg(error.line).arg(error.reason);
-        std::fputs(text.toLocal8Bit().constData(), stderr);
-    }
+    if (!chip)
+        complainAbout(fileName, error.line, error.reason);
     return chip;
 }
 
@@ -50,12 +49,27 @@ void chooseScreen(bool isUnattended)
         qputenv("QT_QPA_PLATFORM", "offscreen");
 }
 
-int runInWindow(const Options &options, const ChipDescription &chip)
+int runInWindow(const Options &options, const ChipDescription &chip,
+                const std::optional<Tape> &replay)
 {
-    Workbench workbench(options, chip);
-    workbench.window().rememberLayout();
-    workbench.show();
-    return QApplication::exec();
+    Workbench workbench(options, chip, replay);
+    // A signal ends the tape properly; without a tape there is nothing to end.
+    std::optional<StopSignal> stopSignal;
+    if (!options.tapeFile.isEmpty()) {
+        stopSignal.emplace();
+        QObject::connect(&*stopSignal, &StopSignal::stopRequested, qApp, &QCoreApplication::quit);
+    }
+    TapeFile tape(workbench.tapeRecorder());
+    QString fault = tape.begin(options.tapeFile);
+    if (fault.isEmpty()) {
+        workbench.window().rememberLayout();
+        workbench.show();
+        QApplication::exec();
+        fault = tape.finish();
+    }
+    if (!fault.isEmpty())
+        complain(fault);
+    return fault.isEmpty() ? exitCode::success : exitCode::failure;
 }
 
 } // namespace
@@ -76,6 +90,12 @@ int runApplication(int argc, char *argv[])
     const auto chip = readChip(commandLine.options.chipFile);
     if (!chip)
         return exitCode::usage;
+    std::optional<Tape> replay;
+    if (!commandLine.options.replayFile.isEmpty()) {
+        replay = readTapeFile(commandLine.options.replayFile);
+        if (!replay)
+            return exitCode::usage;
+    }
 
     chooseScreen(commandLine.options.isUnattended);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
@@ -85,7 +105,7 @@ int runApplication(int argc, char *argv[])
     QApplication::setApplicationDisplayName(QStringLiteral("Workbench"));
     QApplication::setApplicationVersion(QStringLiteral(WORKBENCH_VERSION));
     return commandLine.options.isUnattended ? runUnattended(commandLine.options, *chip)
-                                            : runInWindow(commandLine.options, *chip);
+                                            : runInWindow(commandLine.options, *chip, replay);
 }
 
 } // namespace bench

@@ -52,6 +52,23 @@ const QCommandLineOption chipOption{
 const QCommandLineOption pluginsOption{QStringLiteral("plugins"),
                                        QStringLiteral("Folder to load the tools plug-ins from."),
                                        QStringLiteral("DIR")};
+const QCommandLineOption faultOption{
+    QStringLiteral("fault"),
+    QStringLiteral("Let the link to the module have a fault from the start, see below; may be "
+                   "given several times."),
+    QStringLiteral("NAME[:PARAMETER]")};
+const QCommandLineOption seedOption{
+    QStringLiteral("seed"),
+    QStringLiteral("Where the chance in faults begins, 0 to 4294967295; 1 when not given."),
+    QStringLiteral("N")};
+const QCommandLineOption tapeOption{
+    QStringLiteral("tape"),
+    QStringLiteral("Write down each request to the module, with its reply and time."),
+    QStringLiteral("FILE")};
+const QCommandLineOption replayOption{
+    QStringLiteral("replay"),
+    QStringLiteral("Answer the requests from a tape instead of the simulated module."),
+    QStringLiteral("FILE")};
 
 std::optional<int> number(const QString &text, int minimum, int maximum)
 {
@@ -88,6 +105,7 @@ public:
         readFiles();
         readTargets();
         readLinkCost();
+        readFaults();
         checkCombination();
         if (!fault.isEmpty())
             return {CommandLine::Refuse, {}, fault};
@@ -116,6 +134,8 @@ private:
         options.pictureFile = fileName(pictureOption, {});
         options.flightPathFile = fileName(flightPathOption, {});
         options.recordFile = fileName(recordOption, {});
+        options.tapeFile = fileName(tapeOption, {});
+        options.replayFile = fileName(replayOption, {});
         options.pluginsFolder = fileName(pluginsOption, PluginLoader::defaultFolder());
         const QString chipsFolder = QCoreApplication::applicationDirPath() + QLatin1Char('/') +
                                     QStringLiteral(WORKBENCH_CHIPS_FROM_BIN);
@@ -157,6 +177,25 @@ private:
                      .arg(maximumLinkCostUs));
     }
 
+    void readFaults()
+    {
+        const QStringList texts = parser.values(faultOption);
+        for (const QString &text : texts) {
+            const ParsedFault parsed = parseFault(text);
+            if (parsed.fault)
+                options.faults.append(*parsed.fault);
+            else
+                fail(QStringLiteral("--fault: %1").arg(parsed.error));
+        }
+        if (!parser.isSet(seedOption))
+            return;
+        bool isNumber = false;
+        options.seed = parser.value(seedOption).toUInt(&isNumber);
+        if (!isNumber)
+            fail(QStringLiteral("--seed: \"%1\" is not a whole number from 0 to 4294967295")
+                     .arg(parser.value(seedOption)));
+    }
+
     void checkCombination()
     {
         options.isUnattended = parser.isSet(unattendedOption);
@@ -166,6 +205,9 @@ private:
                 fail(QStringLiteral("--%1 goes with --unattended only")
                          .arg(option.names().constFirst()));
         }
+        // An unattended run compares what the panel shows with the simulated chip.
+        if (parser.isSet(replayOption) && options.isUnattended)
+            fail(QStringLiteral("--replay and --unattended do not go together"));
         if (parser.isSet(targetOption) && parser.isSet(flightPathOption))
             fail(QStringLiteral("--flight-path and --target do not go together"));
         const QStringList extra = parser.positionalArguments();
@@ -188,12 +230,15 @@ CommandLine parseCommandLine(const QStringList &arguments)
     const auto help = parser.addHelpOption();
     const auto version = parser.addVersionOption();
     parser.addOptions({unattendedOption, targetOption, flightPathOption, pictureOption,
-                       recordOption, linkCostOption, chipOption, pluginsOption});
+                       recordOption, linkCostOption, chipOption, pluginsOption, faultOption,
+                       seedOption, tapeOption, replayOption});
 
     if (!parser.parse(arguments))
         return {CommandLine::Refuse, {}, parser.errorText().simplified()};
     if (parser.isSet(help))
-        return {CommandLine::PrintText, {}, parser.helpText()};
+        return {CommandLine::PrintText,
+                {},
+                parser.helpText() + QStringLiteral("\nFaults:\n") + faultHelp()};
     if (parser.isSet(version))
         return {CommandLine::PrintText, {}, QStringLiteral("workbench " WORKBENCH_VERSION "\n")};
     return OptionsReader(parser).read();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "FaultyLink.h"
+
 #include <QPoint>
 #include <QString>
 #include <QStringList>
@@ -18,6 +20,10 @@ struct Options
     qint64 linkCostNs = 0;   ///< how long each request blocks
     QString chipFile;
     QString pluginsFolder;
+    QVector<Fault> faults; ///< on from the start
+    quint32 seed = FaultyLink::defaultSeed;
+    QString tapeFile;
+    QString replayFile; ///< excludes unattended runs
 };
 
 /// What came of reading the command line: exactly one of the three outcomes.

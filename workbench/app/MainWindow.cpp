@@ -1,6 +1,7 @@
 #include "MainWindow.h"
 
 #include "DeviceTreeView.h"
+#include "FaultMenu.h"
 #include "LogDock.h"
 #include "ModuleStatus.h"
 #include "ToolWindow.h"
@@ -12,6 +13,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QLabel>
 #include <QLayout>
 #include <QMdiArea>
 #include <QMenuBar>
@@ -87,8 +89,8 @@ void MainWindow::addMenus()
     QAction *const quit = file->addAction(tr("&Quit"), this, &QWidget::close);
     quit->setShortcut(QKeySequence(Qt::CTRL + Qt::Key_Q));
     addViewMenu();
-    QMenu *const help = menuBar()->addMenu(tr("&Help"));
-    help->addAction(tr("&About Workbench"), this, &MainWindow::showAbout);
+    helpMenu = menuBar()->addMenu(tr("&Help"));
+    helpMenu->addAction(tr("&About Workbench"), this, &MainWindow::showAbout);
 }
 
 void MainWindow::addViewMenu()
@@ -116,6 +118,12 @@ void MainWindow::addTool(ToolsInterface *tool)
     windows.insert(tool->key(), window);
     tree->addTool(tool);
     connect(window, &ToolWindow::visibilityChanged, tree, &DeviceTreeView::markOnScreen);
+}
+
+void MainWindow::addFaults(FaultControl &control)
+{
+    menuBar()->insertMenu(helpMenu->menuAction(), new FaultMenu(control, this));
+    statusBar()->addPermanentWidget(makeFaultLabel(control));
 }
 
 /// The window, given a fitting size before it is opened for the first time.

@@ -12,6 +12,7 @@ class ToolsInterface;
 namespace bench {
 
 class DeviceTreeView;
+class FaultControl;
 class LogDock;
 class MessageLog;
 class SimulatedModule;
@@ -30,6 +31,10 @@ public:
 
     /// Takes a registered tool over and lists it; it is not on screen yet.
     void addTool(ToolsInterface *tool);
+
+    /// Adds the menu of faults, and to the status bar which are on. `control` must outlive the
+    /// window.
+    void addFaults(FaultControl &control);
 
     /// Puts a tool on screen or to the front; nothing happens for an unknown key.
     void openTool(const QString &key);
@@ -60,6 +65,7 @@ private:
     DeviceTreeView *tree = nullptr;
     LogDock *logDock = nullptr;
     QDockWidget *treeDock = nullptr;
+    QMenu *helpMenu = nullptr;
     QHash<QString, ToolWindow *> windows;
     bool isLayoutRemembered = false;
 };

@@ -8,6 +8,7 @@
 #include "PanelPicture.h"
 #include "RunStage.h"
 #include "StopSignal.h"
+#include "TapeFile.h"
 #include "UnattendedRun.h"
 #include "Workbench.h"
 
@@ -146,14 +147,12 @@ QString writeFiles(const Options &options, QWidget *panel, RecordWriter &record,
     return record.finish();
 }
 
-RunFault runAndReport(const Options &options, Workbench &workbench)
+RunFault runAndReport(const Options &options, Workbench &workbench, const StopSignal &stopSignal)
 {
     ToolsInterface *const tool = workbench.driveTool();
     if (!tool)
         return failure(
             QStringLiteral("no Synchronized drive plug-in in %1").arg(options.pluginsFolder));
-    // From before the first file is opened, so that no signal leaves a part of one behind.
-    const StopSignal stopSignal;
     RecordWriter record;
     const QString notOpened = openFiles(options, record);
     if (!notOpened.isEmpty())
@@ -175,6 +174,24 @@ RunFault runAndReport(const Options &options, Workbench &workbench)
     return failure(notWritten);
 }
 
+/// The tape is kept whatever comes of the run: it is wanted most when that fails.
+RunFault runOnTape(const Options &options, Workbench &workbench)
+{
+    // From before the first file is opened, so that no signal leaves a part of one behind.
+    const StopSignal stopSignal;
+    TapeFile tape(workbench.tapeRecorder());
+    const QString notOpened = tape.begin(options.tapeFile);
+    if (!notOpened.isEmpty())
+        return failure(notOpened);
+    const RunFault fault = runAndReport(options, workbench, stopSignal);
+    const QString notWritten = tape.finish();
+    if (fault.text.isEmpty())
+        return failure(notWritten);
+    if (!notWritten.isEmpty())
+        complain(notWritten);
+    return fault;
+}
+
 } // namespace
 
 int runUnattended(const Options &options, const ChipDescription &chip)
@@ -188,7 +205,7 @@ int runUnattended(const Options &options, const ChipDescription &chip)
     }
     QApplication::setQuitOnLastWindowClosed(false);
     Workbench workbench(options, chip);
-    const RunFault fault = runAndReport(options, workbench);
+    const RunFault fault = runOnTape(options, workbench);
     if (fault.text.isEmpty())
         return exitCode::success;
     complain(fault.text);

@@ -14,6 +14,7 @@ namespace bench {
 namespace {
 
 Q_LOGGING_CATEGORY(pluginLog, "workbench.plugins", QtInfoMsg)
+Q_LOGGING_CATEGORY(tapeLog, "workbench.tape", QtInfoMsg)
 
 /// Version texts go on behind a semicolon with what the plug-in was built from.
 QString shortVersion(ToolsInterface *tool)
@@ -21,16 +22,35 @@ QString shortVersion(ToolsInterface *tool)
     return tool->version().section(QLatin1Char(';'), 0, 0);
 }
 
+/// `replay` filled from the tape, if there is one; the link that then answers requests.
+ModuleLink &answeringLink(const std::optional<Tape> &tape, std::optional<TapeLink> &replay,
+                          SimulatedModule &simulated)
+{
+    if (!tape)
+        return simulated.link();
+    return replay.emplace(*tape, simulated.clock(),
+                          AxisRegisters::of(simulated.chip().description()));
+}
+
 } // namespace
 
-Workbench::Workbench(const Options &options, const ChipDescription &chip)
+Workbench::Workbench(const Options &options, const ChipDescription &chip,
+                     const std::optional<Tape> &tape)
     : simulated(chip, clock)
-    , tap(simulated.link(), clock)
+    , faulty(answeringLink(tape, replay, simulated), clock, AxisRegisters::of(chip), options.seed)
+    , recorder(faulty, clock)
+    , tap(recorder, clock)
+    , faultControl(faulty, simulated)
     , mainWindow(simulated, log)
 {
+    if (replay)
+        replay->onDeviation = [](const QString &text) { qCWarning(tapeLog).noquote() << text; };
+    mainWindow.addFaults(faultControl);
     simulated.link().setRequestCostNs(options.linkCostNs);
     simulated.hostModule().setLink(&tap);
     loadTools(options.pluginsFolder);
+    for (const Fault &fault : options.faults)
+        faultControl.switchOn(fault);
 }
 
 void Workbench::loadTools(const QString &pluginsFolder)

@@ -1,11 +1,15 @@
 #pragma once
 
 #include "CommandLine.h"
+#include "FaultControl.h"
+#include "FaultyLink.h"
 #include "MainWindow.h"
 #include "MessageLog.h"
 #include "PluginLoader.h"
 #include "SampleTap.h"
 #include "SimulatedModule.h"
+#include "TapeLink.h"
+#include "TapeRecorder.h"
 
 namespace bench {
 
@@ -14,11 +18,15 @@ namespace bench {
 class Workbench
 {
 public:
-    /// Loads the plug-ins; those that could not be loaded are named in the log.
-    Workbench(const Options &options, const ChipDescription &chip);
+    /// Loads the plug-ins; those that could not be loaded are named in the log. With a tape the
+    /// requests are answered from that instead of the simulated chip.
+    Workbench(const Options &options, const ChipDescription &chip,
+              const std::optional<Tape> &tape = std::nullopt);
 
     SimulatedModule &module() { return simulated; }
     SampleTap &sampleTap() { return tap; }
+    TapeRecorder &tapeRecorder() { return recorder; }
+    FaultControl &faults() { return faultControl; }
     MainWindow &window() { return mainWindow; }
 
     /// The Synchronized drive tool; null when no plug-in has brought it.
@@ -34,7 +42,11 @@ private:
     MessageLog log;
     SteadyClock clock;
     SimulatedModule simulated;
+    std::optional<TapeLink> replay;
+    FaultyLink faulty; ///< in front of the tape or the simulated link
+    TapeRecorder recorder;
     SampleTap tap;
+    FaultControl faultControl;
     PluginLoader plugins;
     MainWindow mainWindow;
     QVector<QPointer<ToolsInterface>> tools;

@@ -13,4 +13,14 @@ PositionReply packPositions(int axis0, int axis1)
     return reply;
 }
 
+int unpackPosition(const PositionReply &reply, int axis)
+{
+    constexpr unsigned int mask = 0xFFFFFF;
+    constexpr unsigned int signBit = 0x800000;
+    const unsigned int high =
+        static_cast<unsigned int>(reply.a) << 16 | static_cast<unsigned int>(reply.b) << 8;
+    const unsigned int bits = axis == 0 ? high | reply.value >> 24 : reply.value & mask;
+    return static_cast<int>(bits ^ signBit) - static_cast<int>(signBit);
+}
+
 } // namespace bench

@@ -2,6 +2,9 @@
 
 namespace bench {
 
+/// The user function that asks for both positions.
+constexpr unsigned char bothPositionsFunction = 0xFD;
+
 /// The reply to the user function that asks for both positions: two bytes and a 32-bit value, which
 /// hold axis 0 and then axis 1 as six bytes, each axis as a 24-bit two's-complement number with the
 /// highest byte first.
@@ -24,5 +27,8 @@ struct PositionReply
 
 /// Packs two positions of -8388608 to 8388607.
 PositionReply packPositions(int axis0, int axis1);
+
+/// The position of axis 0 or 1 in a reply.
+int unpackPosition(const PositionReply &reply, int axis);
 
 } // namespace bench

@@ -6,12 +6,6 @@
 
 namespace bench {
 
-namespace {
-
-constexpr unsigned char bothPositionsFunction = 0xFD;
-
-} // namespace
-
 SimulatedLink::SimulatedLink(SimulatedChip &simulatedChip, Clock &requestClock)
     : chip(simulatedChip)
     , clock(requestClock)

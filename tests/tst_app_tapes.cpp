@@ -1,0 +1,259 @@
+#include "ProgramBench.h"
+#include "TapeFile.h"
+#include "TapeRecorder.h"
+
+#include "Clock.h"
+#include "RecordingLink.h"
+
+#include <csignal>
+#include <sys/resource.h>
+
+using namespace bench;
+
+namespace {
+
+QByteArray contents(const QString &fileName)
+{
+    QFile file(fileName);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// What the program writes to the standard error output by itself or in the test's name.
+QStringList errorLines(QProcess &process)
+{
+    return ProgramBench::lines(process.readAllStandardError())
+        .filter(QRegularExpression(QStringLiteral("^(workbench: |[^ ]+\\.tape:\\d+: )")));
+}
+
+} // namespace
+
+class AppTapesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void tapeIsInTheFileOnceFinished();
+    void abandonedTapeLeavesAnExistingFileAlone();
+    void tapeOnAFullDiskIsRefused();
+    void withoutANameNothingIsRecorded();
+
+    void runIsRecorded();
+    void runThatFailsIsRecordedToo();
+    void interruptedRunIsRecordedToo();
+    void tapeThatCannotBeWrittenIsRefused_data();
+    void tapeThatCannotBeWrittenIsRefused();
+    void tapeThatCannotBeReadIsRefused_data();
+    void tapeThatCannotBeReadIsRefused();
+    void failingStepsAreNamed_data();
+    void failingStepsAreNamed();
+
+private:
+    static QStringList unattended(const QStringList &more)
+    {
+        return QStringList{QStringLiteral("--unattended"), QStringLiteral("--target"),
+                           QStringLiteral("300,200")} +
+               more;
+    }
+
+    std::unique_ptr<ProgramBench> bench;
+    SteppedClock clock;
+    RecordingLink device;
+};
+
+void AppTapesTest::init()
+{
+    bench = std::make_unique<ProgramBench>();
+    QVERIFY(bench->isValid());
+}
+
+void AppTapesTest::tapeIsInTheFileOnceFinished()
+{
+    const QString name = bench->filePath(QStringLiteral("a.tape"));
+    TapeRecorder recorder(device, clock);
+    TapeFile file(recorder);
+    QCOMPARE(file.begin(name), QString());
+    recorder.writeRegister(1, 0, 2);
+    QVERIFY(!QFile::exists(name));
+    QCOMPARE(file.finish(), QString());
+    QVERIFY(contents(name).endsWith("write 0x01 m0 2 = ok\nend 1\n"));
+    recorder.writeRegister(1, 0, 2);
+    const auto tape = readTapeFile(name);
+    QVERIFY(tape.has_value());
+    QCOMPARE(tape->entries.size(), 1);
+}
+
+void AppTapesTest::abandonedTapeLeavesAnExistingFileAlone()
+{
+    bench->write(QStringLiteral("a.tape"), "precious");
+    TapeRecorder recorder(device, clock);
+    {
+        TapeFile file(recorder);
+        QCOMPARE(file.begin(bench->filePath(QStringLiteral("a.tape"))), QString());
+        recorder.writeRegister(1, 0, 2);
+    }
+    recorder.writeRegister(1, 0, 2);
+    QCOMPARE(contents(bench->filePath(QStringLiteral("a.tape"))), QByteArray("precious"));
+    QCOMPARE(bench->files(), QStringList{QStringLiteral("a.tape")});
+}
+
+void AppTapesTest::tapeOnAFullDiskIsRefused()
+{
+    bench->write(QStringLiteral("a.tape"), "precious");
+    TapeRecorder recorder(device, clock);
+    TapeFile file(recorder);
+    QCOMPARE(file.begin(bench->filePath(QStringLiteral("a.tape"))), QString());
+    recorder.writeRegister(1, 0, 2);
+    // Like a full disk: no file of this process may grow beyond a few bytes.
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    QCOMPARE(getrlimit(RLIMIT_FSIZE, &before), 0);
+    rlimit tight = before;
+    tight.rlim_cur = 16;
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &tight), 0);
+    const QString fault = file.finish();
+    QCOMPARE(setrlimit(RLIMIT_FSIZE, &before), 0);
+    std::signal(SIGXFSZ, SIG_DFL);
+    QVERIFY(fault.startsWith(bench->filePath(QStringLiteral("a.tape: "))));
+    QCOMPARE(contents(bench->filePath(QStringLiteral("a.tape"))), QByteArray("precious"));
+    QCOMPARE(bench->files(), QStringList{QStringLiteral("a.tape")});
+}
+
+void AppTapesTest::withoutANameNothingIsRecorded()
+{
+    TapeRecorder recorder(device, clock);
+    TapeFile file(recorder);
+    QCOMPARE(file.begin(QString()), QString());
+    recorder.writeRegister(1, 0, 2);
+    QCOMPARE(recorder.entryCount(), qint64(0));
+    QCOMPARE(file.finish(), QString());
+}
+
+void AppTapesTest::runIsRecorded()
+{
+    const auto ending =
+        bench->run(unattended({QStringLiteral("--tape"), QStringLiteral("a.tape")}));
+    QCOMPARE(ending.complaints, QStringList());
+    QCOMPARE(ending.exitCode, 0);
+    const auto tape = readTapeFile(bench->filePath(QStringLiteral("a.tape")));
+    QVERIFY(tape.has_value());
+    QStringList writes;
+    for (const TapeEntry &entry : tape->entries) {
+        if (entry.kind == TapeEntry::Write)
+            writes << QString::fromLatin1(tapeRequest(entry)).section(QLatin1Char(' '), 1);
+    }
+    // The start of the move, and the target once more with the next update.
+    QCOMPARE(writes.join(QStringLiteral(", ")),
+             QStringLiteral("0x13 m0 0, 0x23 m0 0, 0x01 m0 0, 0x22 m0 200, 0x01 m0 768, "
+                            "0x12 m0 300, 0x22 m0 200, 0x13 m0 2000, 0x23 m0 2000, "
+                            "0x12 m0 300, 0x22 m0 200"));
+    QCOMPARE(bench->files(), QStringList{QStringLiteral("a.tape")});
+}
+
+void AppTapesTest::runThatFailsIsRecordedToo()
+{
+    const auto ending = bench->run({QStringLiteral("--unattended"), QStringLiteral("--target"),
+                                    QStringLiteral("300,200"), QStringLiteral("--fault"),
+                                    QStringLiteral("fail-writes"), QStringLiteral("--tape"),
+                                    QStringLiteral("a.tape")});
+    QCOMPARE(ending.exitCode, 1);
+    const auto tape = readTapeFile(bench->filePath(QStringLiteral("a.tape")));
+    QVERIFY(tape.has_value());
+    QVERIFY(!tape->entries.isEmpty());
+    for (const TapeEntry &entry : tape->entries)
+        QCOMPARE(entry.isAnswered, entry.kind != TapeEntry::Write);
+}
+
+void AppTapesTest::interruptedRunIsRecordedToo()
+{
+    const auto process =
+        bench->start(unattended({QStringLiteral("--target"), QStringLiteral("8000000,0"),
+                                 QStringLiteral("--tape"), QStringLiteral("a.tape")}));
+    QVERIFY(process->waitForReadyRead(ProgramBench::runTimeoutMs));
+    QVERIFY(process->readAllStandardOutput().startsWith("move 1: "));
+    process->terminate();
+    QVERIFY(process->waitForFinished(ProgramBench::runTimeoutMs));
+    QCOMPARE(process->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process->exitCode(), 1);
+    QCOMPARE(errorLines(*process), QStringList{QStringLiteral("workbench: move 2: interrupted")});
+    QCOMPARE(bench->files(), QStringList{QStringLiteral("a.tape")});
+    const auto tape = readTapeFile(bench->filePath(QStringLiteral("a.tape")));
+    QVERIFY(tape.has_value());
+    QVERIFY(tape->entries.size() > 100);
+}
+
+void AppTapesTest::tapeThatCannotBeWrittenIsRefused_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("folder") << "folder"
+                            << "is a folder";
+    QTest::newRow("folder that is missing") << "nowhere/a.tape"
+                                            << "its folder does not exist";
+    QTest::newRow("device") << "/dev/full"
+                            << "is not an ordinary file";
+}
+
+void AppTapesTest::tapeThatCannotBeWrittenIsRefused()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, reason);
+    QVERIFY(QDir(bench->path()).mkdir(QStringLiteral("folder")));
+    for (const QStringList &mode : {unattended({}), QStringList()}) {
+        const auto ending = bench->run(mode + QStringList{QStringLiteral("--tape"), name});
+        QCOMPARE(ending.exitCode, 1);
+        QCOMPARE(ending.complaints,
+                 QStringList{QStringLiteral("workbench: %1: %2").arg(name, reason)});
+        QCOMPARE(bench->files(), QStringList());
+    }
+}
+
+void AppTapesTest::tapeThatCannotBeReadIsRefused_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("complaint");
+    QTest::newRow("missing") << "nowhere.tape"
+                             << "workbench: nowhere.tape: No such file or directory";
+    QTest::newRow("folder") << "."
+                            << "workbench: .: is not an ordinary file";
+    QTest::newRow("faulty") << "faulty.tape"
+                            << "faulty.tape:2: the line ends where the time that the reply took, "
+                               "with nine decimals, should be";
+    QTest::newRow("cut off") << "short.tape"
+                             << "short.tape:2: the tape has no end, it was cut off";
+}
+
+void AppTapesTest::tapeThatCannotBeReadIsRefused()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, complaint);
+    bench->write(QStringLiteral("faulty.tape"), "module-tape 1\n0.000000000\n");
+    bench->write(QStringLiteral("short.tape"), "module-tape 1\n");
+    const auto process = bench->start({QStringLiteral("--replay"), name});
+    QVERIFY(process->waitForFinished(ProgramBench::runTimeoutMs));
+    QCOMPARE(process->exitCode(), 2);
+    QCOMPARE(errorLines(*process), QStringList{complaint});
+}
+
+void AppTapesTest::failingStepsAreNamed_data()
+{
+    QTest::addColumn<QString>("step");
+    QTest::newRow("reset:100") << "workbench: move 1: ";
+    QTest::newRow("fail-writes") << "workbench: move 1: ";
+    QTest::newRow("ignore-writes") << "workbench: move 1: ";
+}
+
+void AppTapesTest::failingStepsAreNamed()
+{
+    QFETCH(QString, step);
+    const auto ending = bench->run(
+        unattended({QStringLiteral("--fault"), QString::fromLatin1(QTest::currentDataTag())}));
+    QCOMPARE(ending.exitCode, 1);
+    QCOMPARE(ending.complaints.size(), 1);
+    QVERIFY2(ending.complaints.constFirst().startsWith(step),
+             qPrintable(ending.complaints.constFirst()));
+}
+
+QTEST_GUILESS_MAIN(AppTapesTest)
+#include "tst_app_tapes.moc"

@@ -1,0 +1,383 @@
+#include "Clock.h"
+#include "PositionPacking.h"
+#include "TapeLink.h"
+
+#include <QStringList>
+#include <QtTest>
+
+using namespace bench;
+
+namespace {
+
+constexpr qint64 msInNs = 1000000;
+constexpr unsigned int position0 = 0x10;
+constexpr unsigned int velocity0 = 0x11;
+constexpr unsigned int setting = 0x13;
+constexpr unsigned int target0 = 0x12;
+
+const AxisRegisters registers{{position0, 0x20}, {velocity0, 0x21}, {target0, 0x22}};
+
+/// A tape that is put together line by line; each request takes a millisecond.
+struct TapeMaker
+{
+    Tape tape;
+
+    TapeMaker &add(TapeEntry entry, int askedMs)
+    {
+        entry.askedNs = askedMs * msInNs;
+        entry.tookNs = msInNs;
+        entry.isAnswered = true;
+        tape.entries.append(entry);
+        return *this;
+    }
+
+    TapeMaker &read(int askedMs, unsigned int address, int value)
+    {
+        TapeEntry entry;
+        entry.address = address;
+        entry.value = value;
+        return add(entry, askedMs);
+    }
+
+    TapeMaker &write(int askedMs, unsigned int address, int value)
+    {
+        TapeEntry entry;
+        entry.kind = TapeEntry::Write;
+        entry.address = address;
+        entry.value = value;
+        return add(entry, askedMs);
+    }
+
+    TapeMaker &positions(int askedMs, int x, int y)
+    {
+        TapeEntry entry;
+        entry.kind = TapeEntry::UserFunction;
+        entry.address = bothPositionsFunction;
+        entry.b = 0x48;
+        const PositionReply reply = packPositions(x, y);
+        entry.replyA = reply.a;
+        entry.replyB = reply.b;
+        entry.reply = reply.value;
+        return add(entry, askedMs);
+    }
+
+    TapeMaker &failed()
+    {
+        tape.entries.last().isAnswered = false;
+        return *this;
+    }
+};
+
+/// A tape link on a stepped clock that writes down its deviations.
+struct Player
+{
+    explicit Player(const TapeMaker &maker)
+        : link(maker.tape, clock, registers)
+    {
+        link.onDeviation = [this](const QString &text) { deviations << text; };
+    }
+
+    void waitUntil(int ms) { clock.advance(ms * msInNs - clock.now()); }
+
+    QString read(unsigned int address)
+    {
+        int value = 4711;
+        if (link.readRegister(address, 0, &value))
+            return QString::number(value);
+        return value == 4711 ? QStringLiteral("failed") : QStringLiteral("failed, but changed");
+    }
+
+    QString positions()
+    {
+        PositionReply reply{1, 2, 3};
+        if (link.userFunction(&reply.a, &reply.b, bothPositionsFunction, 0, 0, &reply.value))
+            return QStringLiteral("%1,%2")
+                .arg(unpackPosition(reply, 0))
+                .arg(unpackPosition(reply, 1));
+        return reply.a == 1 && reply.b == 2 && reply.value == 3
+                   ? QStringLiteral("failed")
+                   : QStringLiteral("failed, but changed");
+    }
+
+    bool write(unsigned int address, int value) { return link.writeRegister(address, 0, value); }
+
+    SteppedClock clock;
+    TapeLink link;
+    QStringList deviations;
+};
+
+} // namespace
+
+class TestTapeLink : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void anEmptyTapeAnswersNothing();
+    void settingsAreAnsweredInTheirOrder();
+    void settingsReadMoreOftenRepeatTheLastValue();
+    void settingsReadLessOftenGoOnBehindTheNextWrite();
+    void positionsAreAnsweredByTime();
+    void positionsGoOnFromTheWriteWheneverThatComes();
+    void positionsWaitForTheNextWrite();
+    void velocitiesAreUnknownUntilRecordedInTheMove();
+    void requestsTakeTheirTime();
+    void failuresAreRepeated();
+    void unknownRequestsFail();
+    void writesInTheirOrderPass();
+    void otherWritesAreDeviations_data();
+    void otherWritesAreDeviations();
+    void writesBehindTheEndAreDeviations();
+    void afterADeviationTheTapeGoesOnWithItsNextWrite();
+    void writesOfMeasuredValuesPass();
+    void theEndIsBehindTheLastReply();
+    void motorsAndArgumentsAreToldApart();
+};
+
+void TestTapeLink::anEmptyTapeAnswersNothing()
+{
+    Player player{TapeMaker()};
+    QCOMPARE(player.read(setting), QStringLiteral("failed"));
+    QCOMPARE(player.positions(), QStringLiteral("failed"));
+    QVERIFY(player.deviations.isEmpty());
+    QVERIFY(player.link.isAtEnd());
+    QVERIFY(!player.write(setting, 1));
+    QCOMPARE(player.deviations.size(), 1);
+}
+
+void TestTapeLink::settingsAreAnsweredInTheirOrder()
+{
+    Player player(TapeMaker().read(0, setting, 1).read(5, setting, 2).read(9, 0x99, 7));
+    QCOMPARE(player.read(0x99), QStringLiteral("7"));
+    QCOMPARE(player.read(setting), QStringLiteral("1"));
+    QCOMPARE(player.read(setting), QStringLiteral("2"));
+}
+
+void TestTapeLink::settingsReadMoreOftenRepeatTheLastValue()
+{
+    Player player(TapeMaker()
+                      .read(0, setting, 1)
+                      .read(1, setting, 2)
+                      .write(2, setting, 3)
+                      .read(3, setting, 4));
+    QStringList seen;
+    for (int i = 0; i < 4; ++i)
+        seen << player.read(setting);
+    QVERIFY(player.write(setting, 3));
+    seen << player.read(setting) << player.read(setting);
+    QCOMPARE(seen.join(QLatin1Char(' ')), QStringLiteral("1 2 2 2 4 4"));
+}
+
+void TestTapeLink::settingsReadLessOftenGoOnBehindTheNextWrite()
+{
+    Player player(TapeMaker()
+                      .read(0, setting, 1)
+                      .read(1, setting, 2)
+                      .write(2, target0, 3)
+                      .read(3, setting, 4));
+    QVERIFY(player.write(target0, 3));
+    QCOMPARE(player.read(setting), QStringLiteral("4"));
+    QVERIFY(player.deviations.isEmpty());
+}
+
+void TestTapeLink::positionsAreAnsweredByTime()
+{
+    Player player(TapeMaker().positions(10, 1, -1).positions(20, 2, -2).positions(30, 3, -3));
+    QCOMPARE(player.positions(), QStringLiteral("1,-1"));
+    QStringList seen;
+    for (int ms : {10, 15, 19, 20, 29, 30, 1000}) {
+        player.waitUntil(ms);
+        seen << player.positions();
+    }
+    QCOMPARE(seen.join(QLatin1Char(' ')), QStringLiteral("1,-1 1,-1 1,-1 2,-2 2,-2 3,-3 3,-3"));
+}
+
+void TestTapeLink::positionsGoOnFromTheWriteWheneverThatComes()
+{
+    Player player(TapeMaker()
+                      .positions(0, 1, 1)
+                      .write(10, target0, 5)
+                      .positions(20, 2, 2)
+                      .positions(30, 3, 3));
+    player.waitUntil(500);
+    QCOMPARE(player.positions(), QStringLiteral("1,1"));
+    player.waitUntil(600);
+    QVERIFY(player.write(target0, 5));
+    QCOMPARE(player.positions(), QStringLiteral("1,1"));
+    player.waitUntil(610);
+    QCOMPARE(player.positions(), QStringLiteral("2,2"));
+    player.waitUntil(620);
+    QCOMPARE(player.positions(), QStringLiteral("3,3"));
+}
+
+void TestTapeLink::positionsWaitForTheNextWrite()
+{
+    Player player(TapeMaker()
+                      .positions(0, 1, 1)
+                      .write(10, target0, 5)
+                      .positions(11, 2, 2)
+                      .write(20, setting, 1));
+    player.waitUntil(1000);
+    QCOMPARE(player.positions(), QStringLiteral("1,1"));
+    QVERIFY(!player.link.isAtEnd());
+}
+
+void TestTapeLink::velocitiesAreUnknownUntilRecordedInTheMove()
+{
+    Player player(TapeMaker()
+                      .write(0, target0, 5)
+                      .read(50, velocity0, 0)
+                      .write(60, target0, 6)
+                      .read(110, velocity0, 9)
+                      .read(160, velocity0, 0));
+    QCOMPARE(player.read(velocity0), QStringLiteral("failed"));
+    QVERIFY(player.write(target0, 5));
+    QCOMPARE(player.read(velocity0), QStringLiteral("failed"));
+    player.waitUntil(50);
+    QCOMPARE(player.read(velocity0), QStringLiteral("0"));
+    player.waitUntil(1000);
+    QVERIFY(player.write(target0, 6));
+    QCOMPARE(player.read(velocity0), QStringLiteral("failed"));
+    player.waitUntil(1050);
+    QCOMPARE(player.read(velocity0), QStringLiteral("9"));
+    QCOMPARE(player.read(velocity0), QStringLiteral("9"));
+    player.waitUntil(1100);
+    QCOMPARE(player.read(velocity0), QStringLiteral("0"));
+}
+
+void TestTapeLink::requestsTakeTheirTime()
+{
+    TapeMaker maker;
+    maker.read(0, setting, 1);
+    maker.tape.entries.last().tookNs = 30 * msInNs;
+    Player player(maker);
+    player.read(setting);
+    QCOMPARE(player.clock.now(), 30 * msInNs);
+    player.read(0x99);
+    QCOMPARE(player.clock.now(), 30 * msInNs);
+}
+
+void TestTapeLink::failuresAreRepeated()
+{
+    Player player(TapeMaker()
+                      .read(0, setting, 1)
+                      .failed()
+                      .read(1, setting, 1)
+                      .positions(2, 1, 1)
+                      .failed()
+                      .write(3, setting, 1)
+                      .failed()
+                      .write(4, setting, 2));
+    QCOMPARE(player.read(setting), QStringLiteral("failed"));
+    QCOMPARE(player.read(setting), QStringLiteral("1"));
+    QCOMPARE(player.positions(), QStringLiteral("failed"));
+    QVERIFY(!player.write(setting, 1));
+    QVERIFY(player.write(setting, 2));
+    QVERIFY(player.deviations.isEmpty());
+}
+
+void TestTapeLink::unknownRequestsFail()
+{
+    Player player(TapeMaker().read(0, setting, 1).positions(1, 1, 1));
+    QCOMPARE(player.read(0x55), QStringLiteral("failed"));
+    unsigned char a = 0;
+    unsigned char b = 0;
+    unsigned int reply = 0;
+    QVERIFY(!player.link.userFunction(&a, &b, 0x10, 0, 0, &reply));
+    QVERIFY(player.deviations.isEmpty());
+}
+
+void TestTapeLink::writesInTheirOrderPass()
+{
+    Player player(TapeMaker().write(0, setting, 0).write(1, target0, 5).write(2, setting, 500));
+    QVERIFY(player.write(setting, 0) && player.write(target0, 5) && player.write(setting, 500));
+    QVERIFY(player.deviations.isEmpty());
+    QVERIFY(player.link.deviation().isEmpty());
+}
+
+void TestTapeLink::otherWritesAreDeviations_data()
+{
+    QTest::addColumn<int>("address");
+    QTest::addColumn<int>("motor");
+    QTest::addColumn<int>("value");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("other value") << int(setting) << 0 << 1
+                                 << "write 0x13 m0 1, but the tape has write 0x13 m0 0 there";
+    QTest::newRow("other register")
+        << int(target0) << 0 << 0 << "write 0x12 m0 0, but the tape has write 0x13 m0 0 there";
+    QTest::newRow("other motor") << int(setting) << 1 << 0
+                                 << "write 0x13 m1 0, but the tape has write 0x13 m0 0 there";
+    QTest::newRow("the one after the next")
+        << int(target0) << 0 << 5 << "write 0x12 m0 5, but the tape has write 0x13 m0 0 there";
+}
+
+void TestTapeLink::otherWritesAreDeviations()
+{
+    QFETCH(int, address);
+    QFETCH(int, motor);
+    QFETCH(int, value);
+    Player player(TapeMaker().write(0, setting, 0).write(1, target0, 5));
+    QVERIFY(
+        !player.link.writeRegister(unsigned(address), static_cast<unsigned char>(motor), value));
+    QTEST(player.link.deviation(), "text");
+    QCOMPARE(player.deviations, QStringList{player.link.deviation()});
+}
+
+void TestTapeLink::writesBehindTheEndAreDeviations()
+{
+    Player player(TapeMaker().write(0, setting, 0));
+    QVERIFY(player.write(setting, 0));
+    QVERIFY(!player.write(setting, 0));
+    QCOMPARE(player.link.deviation(),
+             QStringLiteral("write 0x13 m0 0, but the tape has no further write there"));
+}
+
+void TestTapeLink::afterADeviationTheTapeGoesOnWithItsNextWrite()
+{
+    Player player(TapeMaker().write(0, setting, 0).write(1, target0, 5));
+    QVERIFY(!player.write(setting, 1));
+    QVERIFY(!player.write(setting, 2));
+    QVERIFY(player.write(setting, 0));
+    QVERIFY(player.write(target0, 5));
+    QCOMPARE(player.deviations.size(), 2);
+    QCOMPARE(player.link.deviation(), player.deviations.constFirst());
+}
+
+void TestTapeLink::writesOfMeasuredValuesPass()
+{
+    Player player(TapeMaker().write(0, position0, 17).write(1, setting, 5));
+    QVERIFY(player.write(position0, 18));
+    QVERIFY(player.write(0x21, 3));
+    QVERIFY(player.write(setting, 5));
+    QVERIFY(player.deviations.isEmpty());
+}
+
+void TestTapeLink::theEndIsBehindTheLastReply()
+{
+    Player player(TapeMaker().write(0, setting, 0).positions(10, 1, 1));
+    player.waitUntil(50);
+    QVERIFY(!player.link.isAtEnd());
+    QVERIFY(player.write(setting, 0));
+    QVERIFY(!player.link.isAtEnd());
+    player.waitUntil(60);
+    QVERIFY(!player.link.isAtEnd());
+    player.waitUntil(61);
+    QVERIFY(player.link.isAtEnd());
+}
+
+void TestTapeLink::motorsAndArgumentsAreToldApart()
+{
+    TapeMaker maker;
+    maker.read(0, setting, 1).read(1, setting, 2);
+    maker.tape.entries.last().motor = 1;
+    Player player(maker);
+    int value = 0;
+    QVERIFY(player.link.readRegister(setting, 1, &value));
+    QCOMPARE(value, 2);
+    QVERIFY(player.link.readRegister(setting, 0, &value));
+    QCOMPARE(value, 1);
+    QVERIFY(!player.link.readRegister(setting, 2, &value));
+}
+
+QTEST_GUILESS_MAIN(TestTapeLink)
+#include "tst_tape_link.moc"
