@@ -139,8 +139,14 @@ ToolWindow *MainWindow::prepareWindow(const QString &key)
 
 void MainWindow::openTool(const QString &key)
 {
-    if (ToolWindow *const window = prepareWindow(key))
-        window->open();
+    ToolWindow *const window = prepareWindow(key);
+    if (!window)
+        return;
+    // A maximised window would hide the tool that asked for this one behind it.
+    QMdiSubWindow *const active = area->activeSubWindow();
+    if (active && active != window && active->isMaximized())
+        active->showNormal();
+    window->open();
 }
 
 void MainWindow::openToolMaximised(const QString &key)
