@@ -5,6 +5,7 @@
 
 #include <QGuiApplication>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QtCharts/QLineSeries>
 
 namespace {
@@ -58,8 +59,11 @@ QPoint ChartView::pickedAt(const QPointF &pixel) const
     return drive::rounded(chart()->mapToValue(pixel));
 }
 
+// Whoever is told of a position may delete the view.
+
 void ChartView::mousePressEvent(QMouseEvent *event)
 {
+    const QPointer<ChartView> self(this);
     if (isCtrlHeld()) {
         setRubberBand(RectangleRubberBand);
     } else {
@@ -68,7 +72,8 @@ void ChartView::mousePressEvent(QMouseEvent *event)
         if (event->buttons() != Qt::NoButton && chart()->plotArea().contains(pressPos))
             emit position(pickedAt(pressPos), QPoint(0, 0));
     }
-    QChartView::mousePressEvent(event);
+    if (self)
+        QChartView::mousePressEvent(event);
 }
 
 void ChartView::mouseMoveEvent(QMouseEvent *event)
@@ -87,8 +92,8 @@ void ChartView::mouseMoveEvent(QMouseEvent *event)
                        outwardOffset(pointer.y(), lastPos.y(), top - edgeBand, bottom + edgeBand));
     const QPointF pinned(clampedToInset(pointer.x(), left, right),
                          clampedToInset(pointer.y(), top, bottom));
-    emit position(pickedAt(pinned), outer);
     lastPos = pointer;
+    emit position(pickedAt(pinned), outer);
 }
 
 void ChartView::mouseReleaseEvent(QMouseEvent *event)

@@ -29,12 +29,12 @@ void logAction(const QString &text)
     qCDebug(debLowLevel) << "SynchronisedDriveTool::initFlightPath()::<lambda()>" << text;
 }
 
-/// The actions have no parent, they go when the menu goes.
+/// The actions have no parent; they go with the menu, at once: the module may be unloaded next.
 QAction *addMenuAction(QMenu *menu, const QString &icon, const QString &text)
 {
     auto *action = new QAction(QIcon(icon), text, nullptr);
     menu->addAction(action);
-    QObject::connect(menu, &QObject::destroyed, action, &QObject::deleteLater);
+    QObject::connect(menu, &QObject::destroyed, action, [action] { delete action; });
     return action;
 }
 

@@ -50,6 +50,7 @@ void SynchronisedDriveTool::setTargetPosition(QPointF point, QPoint outer)
 /// Widens the axes by one tick in each direction in which `outer` is not zero.
 void SynchronisedDriveTool::pushLimits(QPoint outer)
 {
+    const QPointer<SynchronisedDriveTool> self(this);
     const auto push = [](QSpinBox *limit, double step) {
         limit->setValue(drive::truncated(limit->value() + step));
     };
@@ -57,6 +58,9 @@ void SynchronisedDriveTool::pushLimits(QPoint outer)
         push(ui->spM0max, tickStep(axisX));
     else if (outer.x() < 0)
         push(ui->spM0min, -tickStep(axisX));
+    // A host that follows the limits may have deleted the tool.
+    if (!self)
+        return;
     if (outer.y() < 0)
         push(ui->spM1max, tickStep(axisY));
     else if (outer.y() > 0)
@@ -69,29 +73,45 @@ void SynchronisedDriveTool::on_pbStart_clicked()
         return;
     updateTimer.start(drive::movingUpdatePeriodMs, Qt::PreciseTimer, this);
 
+    const QPointer<SynchronisedDriveTool> self(this);
+    ui->pbStop->setProperty(drive::property::StopPressed, false);
     int m0Vmax = 0;
     int m1Vmax = 0;
-    const bool isLoaded = readRegister(m0VmaxRegister, motorByte(), &m0Vmax) &&
-                          readRegister(m1VmaxRegister, motorByte(), &m1Vmax) && loadTargets() &&
-                          writeRegister(m0VmaxRegister, m0Vmax) &&
-                          writeRegister(m1VmaxRegister, m1Vmax);
-    if (!isLoaded)
+    if (!readRegister(m0VmaxRegister, motorByte(), &m0Vmax) ||
+        !readRegister(m1VmaxRegister, motorByte(), &m1Vmax))
+        return;
+    loadTargets();
+    if (!self || !writeRegister(m0VmaxRegister, m0Vmax) || !writeRegister(m1VmaxRegister, m1Vmax))
         return;
 
     ui->pbStart->setEnabled(false);
     pendingSamples = {actual()};
     sampleTimer.start(drive::samplePeriodMs, Qt::PreciseTimer, this);
+    // What a write brought back behind a stop may have moved the marker again.
+    if (isStopPressed())
+        on_pbStop_clicked();
 }
 
-/// Loads both targets while both axes are held at velocity 0. False when the tool is gone.
-bool SynchronisedDriveTool::loadTargets()
+/// Loads both targets while both axes are held at velocity 0; no further than a stop that is
+/// pressed while the module is asked.
+void SynchronisedDriveTool::loadTargets()
 {
+    const QPointer<SynchronisedDriveTool> self(this);
+    const auto goesOn = [&self] { return self && !self->isStopPressed(); };
     // Axis 1's target goes out on both sides of the mode change: meant so.
-    return writeRegister(m0VmaxRegister, 0) && writeRegister(m1VmaxRegister, 0) &&
-           writeRegister(rampModeRegister, drive::rampModePositioning) &&
-           writeField(m1XtargetWidget, target().y()) &&
-           writeRegister(rampModeRegister, drive::rampModeSynchronised) &&
-           writeField(m0XtargetWidget, target().x()) && writeField(m1XtargetWidget, target().y());
+    static_cast<void>(goesOn() && writeRegister(m0VmaxRegister, 0) && goesOn() &&
+                      writeRegister(m1VmaxRegister, 0) && goesOn() &&
+                      writeRegister(rampModeRegister, drive::rampModePositioning) && goesOn() &&
+                      writeField(m1XtargetWidget, target().y()) && goesOn() &&
+                      writeRegister(rampModeRegister, drive::rampModeSynchronised) && goesOn() &&
+                      writeField(m0XtargetWidget, target().x()) && goesOn() &&
+                      writeField(m1XtargetWidget, target().y()));
+}
+
+/// Since the start button was pressed last.
+bool SynchronisedDriveTool::isStopPressed() const
+{
+    return ui->pbStop->property(drive::property::StopPressed).toBool();
 }
 
 /// Halts the axes by driving both to where they are. The polling cycle finds the end of the move.
@@ -99,6 +119,7 @@ void SynchronisedDriveTool::on_pbStop_clicked()
 {
     if (!ui)
         return;
+    ui->pbStop->setProperty(drive::property::StopPressed, true);
     const QPointF here = actual();
     setTargetPosition(here, QPoint(0, 0));
     const bool isStopped = writeField(m0XtargetWidget, here.x()) &&

@@ -44,9 +44,11 @@ void keepBetween(double position, QSpinBox *lower, QSpinBox *upper, int tickCoun
     const int low = lower->value();
     const int high = upper->value();
     const int step = (high - low) / (tickCount - 1);
+    // A host that follows the limits may delete the tool.
+    const QPointer<QSpinBox> guard(upper);
     if (low > position)
         lower->setValue(drive::truncated(position - step));
-    if (position > high)
+    if (guard && position > high)
         upper->setValue(drive::truncated(position + step));
 }
 
@@ -123,14 +125,15 @@ bool SynchronisedDriveTool::writeNewTarget()
     setSignalsBlocked(m1XtargetWidget, true);
     if (m0XtargetWidget)
         m0XtargetWidget->setAndUpdateValue(widgetValue(written.x()));
-    if (self && m1XtargetWidget)
+    const auto isCurrent = [&] { return self && drive::samePoint(self->target(), written); };
+    if (isCurrent() && m1XtargetWidget)
         m1XtargetWidget->setAndUpdateValue(widgetValue(written.y()));
     if (!self)
         return false;
     setSignalsBlocked(m0XtargetWidget, false);
     setSignalsBlocked(m1XtargetWidget, false);
     // A target picked while the host waited for the module goes out with the next tick.
-    if (drive::samePoint(target(), written))
+    if (isCurrent())
         targetSeries->setProperty(drive::property::NewTarget, false);
     return true;
 }
@@ -177,23 +180,25 @@ QPoint SynchronisedDriveTool::tracePixel(const QPointF &point) const
 /// The step is a whole number here, unlike where a drag pushes the limits; meant so.
 void SynchronisedDriveTool::keepInView(const QPointF &point)
 {
+    const QPointer<SynchronisedDriveTool> self(this);
     keepBetween(point.x(), ui->spM0min, ui->spM0max, axisX->tickCount());
-    keepBetween(point.y(), ui->spM1min, ui->spM1max, axisY->tickCount());
+    if (self)
+        keepBetween(point.y(), ui->spM1min, ui->spM1max, axisY->tickCount());
 }
 
 /// A move has ended when nothing new was sampled since the last tick and both axes stand still.
 void SynchronisedDriveTool::checkEndOfMove()
 {
-    const int askedByTimer = updateTimer.timerId();
+    const uint check = ui->pbStart->property(drive::property::EndCheck).toUInt() + 1;
+    ui->pbStart->setProperty(drive::property::EndCheck, check);
     int m0Velocity = unknownVelocity;
     int m1Velocity = unknownVelocity;
     // Motor 0, whichever motor the tool serves: meant so.
     if (!readRegister(m0VactualRegister, 0, &m0Velocity) ||
         !readRegister(m1VactualRegister, 0, &m1Velocity))
         return;
-    // A host that handles events while it waits may have hidden or shown the tool meanwhile, and
-    // so ended this move or begun another.
-    if (updateTimer.timerId() != askedByTimer)
+    // A host that handles events while it waits may have let a later look find the end.
+    if (ui->pbStart->property(drive::property::EndCheck).toUInt() != check)
         return;
     // While the host has the whole tool disabled a flight path could not go on, so nothing ends.
     const bool hasEnded = m0Velocity == 0 && m1Velocity == 0 && isEnabled();

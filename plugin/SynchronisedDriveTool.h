@@ -98,7 +98,8 @@ private:
     bool readRegister(XmlValueRegister *reg, unsigned char motor, int *value);
     bool writeRegister(XmlValueRegister *reg, int value);
     bool writeField(const QPointer<XmlRegisterWidget> &widget, double value);
-    bool loadTargets();
+    void loadTargets();
+    bool isStopPressed() const;
 
     // Sibling tools and the ramp check.
     void linkSibling(ToolsInterface *sibling, const QString &key);

@@ -45,10 +45,22 @@ private:
     QSet<QString> identifiers;
 };
 
+/// The XML reader's own messages end in a full stop, and may quote what does not print.
+QString inOneLine(QString reason)
+{
+    if (reason.endsWith(QLatin1Char('.')))
+        reason.chop(1);
+    for (QChar &character : reason) {
+        if (!character.isPrint())
+            character = QLatin1Char('?');
+    }
+    return reason;
+}
+
 bool Reader::fail(const QString &reason)
 {
     fault.line = xml.lineNumber();
-    fault.reason = reason;
+    fault.reason = inOneLine(reason);
     return false;
 }
 

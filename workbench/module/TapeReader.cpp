@@ -85,6 +85,7 @@ private:
     QIODevice *device;
     TapeError fault;
     qint64 size = 0;
+    bool isLineComplete = true; ///< The line read last had an end, so another may follow.
 };
 
 bool Reader::fail(const QString &reason)
@@ -97,8 +98,9 @@ bool Reader::fail(const QString &reason)
 bool Reader::nextLine(QByteArray *line)
 {
     do {
-        ++fault.line;
+        fault.line += isLineComplete ? 1 : 0;
         *line = device->readLine(maximumTapeLine);
+        isLineComplete = line->endsWith('\n');
         if (line->isEmpty())
             return true;
         size += line->size();
