@@ -1,0 +1,68 @@
+#include "Targets.h"
+
+#include "TapeReader.h"
+
+#include <QBuffer>
+
+namespace fuzz {
+namespace {
+
+using bench::Tape;
+using bench::TapeEntry;
+
+std::optional<Tape> read(const QByteArray &bytes, bench::TapeError *error)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    return bench::readTape(&buffer, error);
+}
+
+QByteArray written(const Tape &tape)
+{
+    QByteArray bytes = bench::tapeHeader() + '\n';
+    for (const TapeEntry &entry : tape.entries)
+        bytes += bench::tapeLine(entry) + '\n';
+    return bytes + bench::tapeEnd(tape.entries.size()) + '\n';
+}
+
+QString checkEntries(const Tape &tape)
+{
+    qint64 latestNs = 0;
+    for (const TapeEntry &entry : tape.entries) {
+        if (entry.askedNs < 0 || entry.tookNs < 0 || entry.repliedNs() < latestNs)
+            return QStringLiteral("times that go backward");
+        latestNs = entry.repliedNs();
+        if (entry.address > (entry.kind == TapeEntry::UserFunction ? 0xFFu : 0xFFFFu))
+            return QStringLiteral("an address out of range");
+        if (bench::tapeLine(entry).size() >= bench::maximumTapeLine)
+            return QStringLiteral("a line that would be too long to read");
+    }
+    return QString();
+}
+
+QString checkReadsTheSame(const Tape &tape)
+{
+    bench::TapeError error;
+    const std::optional<Tape> again = read(written(tape), &error);
+    if (!again)
+        return QStringLiteral("written anew it is refused: ") + error.reason;
+    return again->entries == tape.entries ? QString()
+                                          : QStringLiteral("written anew it reads differently");
+}
+
+} // namespace
+
+QString checkTape(const QByteArray &bytes)
+{
+    bench::TapeError error;
+    const std::optional<Tape> tape = read(bytes, &error);
+    if (!tape)
+        return checkFault(bytes, error.line, error.reason);
+    if (!bytes.contains("end "))
+        return QStringLiteral("a tape without an end");
+    const QString fault = checkEntries(*tape);
+    return fault.isEmpty() ? checkReadsTheSame(*tape) : fault;
+}
+
+} // namespace fuzz

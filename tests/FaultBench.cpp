@@ -1,0 +1,481 @@
+#include "FaultBench.h"
+
+#include "ShippedChip.h"
+#include "ToolBench.h"
+
+#include "XmlProductIC.h"
+#include "XmlRegisterSet.h"
+#include "XmlRegisterWidget.h"
+#include "XmlValueRegister.h"
+#include "XmlValueRegisterField.h"
+
+#include <QAbstractEventDispatcher>
+#include <QApplication>
+#include <QDialog>
+#include <QDynamicPropertyChangeEvent>
+#include <QMenu>
+#include <QSpinBox>
+#include <QTimer>
+#include <QTimerEvent>
+#include <QToolButton>
+
+using bench::FaultActions;
+
+namespace {
+
+constexpr qint64 nsPerMs = 1000000;
+constexpr int linkedMode = 768;
+/// A target register holds 24 bits.
+constexpr int positionBits = 0xFFFFFF;
+/// Far above what any event needs, nested events included.
+constexpr int mostRequestsPerEvent = 5000;
+
+const char *const rampNames[] = {"VMAX", "AMAX", "DMAX", "V1", "A1", "D1", "V2", "A2", "D2"};
+
+bench::ChipDescription shippedChip()
+{
+    const auto chip = readShippedChip();
+    if (!chip)
+        qFatal("the chip description is missing");
+    return *chip;
+}
+
+QString nextModuleKey()
+{
+    static int number = 0;
+    return QStringLiteral("faulty-%1/").arg(++number);
+}
+
+void deleteRegisters(QVXLModuleInterface &module, const bench::ChipDescription &chip)
+{
+    XmlProductIC *product = module.getIcProduct(0);
+    for (const bench::RegisterDescription &described : chip.registers) {
+        for (const bench::FieldDescription &field : described.fields)
+            delete product->getRegisterFieldByIdentifier(field.identifier, false, false);
+        delete product->getRegisterByName(described.name, true);
+    }
+}
+
+} // namespace
+
+bool WatchedLink::readRegister(unsigned int address, unsigned char motor, int *value)
+{
+    enter(isStepRead && isStepRead(address));
+    const bool isAnswered = next.readRegister(address, motor, value);
+    if (afterRead)
+        afterRead(address, isAnswered ? std::optional<int>(*value) : std::nullopt);
+    return isAnswered;
+}
+
+bool WatchedLink::writeRegister(unsigned int address, unsigned char motor, int value)
+{
+    if (beforeWrite)
+        beforeWrite(address, value);
+    openWrites.append(address);
+    enter(true);
+    const bool isWritten = next.writeRegister(address, motor, value);
+    openWrites.removeLast();
+    return isWritten;
+}
+
+bool WatchedLink::userFunction(unsigned char *a, unsigned char *b, unsigned char function,
+                               unsigned char arg, unsigned char motor, unsigned int *reply)
+{
+    enter(true);
+    return next.userFunction(a, b, function, arg, motor, reply);
+}
+
+void WatchedLink::enter(bool isStep)
+{
+    // Copies: an action may put another one in its place.
+    const auto request = inRequest;
+    const auto step = inStep;
+    const int number = requests++;
+    if (request)
+        request(number);
+    if (!isStep)
+        return;
+    const int stepNumber = steps++;
+    if (step)
+        step(stepNumber);
+}
+
+FaultBench::FaultBench(quint32 seed)
+    : module(shippedChip(), clock, nextModuleKey())
+    , chipSide(module.link())
+    , faulty(chipSide, clock, bench::AxisRegisters::of(module.chip().description()), seed)
+    , hostSide(faulty)
+    , known(bench::AxisRegisters::of(module.chip().description()))
+    , rampMode(address("RAMPMODE"))
+{
+    wire();
+    openTool();
+}
+
+FaultBench::~FaultBench()
+{
+    faulty.switchOffAll();
+    deleteTool();
+    module.hostModule().setLink(nullptr);
+}
+
+void FaultBench::wire()
+{
+    FaultActions actions;
+    actions.resetChip = [this](qint64 ns) {
+        module.chip().advanceTo(ns);
+        module.chip().reset();
+    };
+    actions.deleteRegisters = [this] {
+        deleteRegisters(module.hostModule(), module.chip().description());
+    };
+    actions.deleteWidgets = [this] {
+        if (working)
+            qDeleteAll(registerWidgets());
+    };
+    faulty.setActions(actions);
+    hostSide.beforeWrite = [this](unsigned int at, int value) { hostWrites(at, value); };
+    hostSide.afterRead = [this](unsigned int at, std::optional<int> answer) {
+        hostRead(at, answer);
+    };
+    hostSide.isStepRead = [this](unsigned int at) {
+        return known.velocity[0] == at || known.velocity[1] == at;
+    };
+    module.hostModule().setLink(&hostSide);
+}
+
+void FaultBench::openTool()
+{
+    deleteTool();
+    working = toolPrototype()->clone(QStringLiteral("faulty tool"), 0, &module.hostModule());
+    watchedTool = working.data();
+    working->installEventFilter(this);
+    startButton()->installEventFilter(this);
+    pathLength = 12;
+    lastFlightIndex = flightIndex();
+    forgetStop();
+}
+
+void FaultBench::deleteTool()
+{
+    delete working.data();
+}
+
+void FaultBench::show()
+{
+    working->resize(900, 600);
+    working->show();
+    QCoreApplication::sendPostedEvents();
+    working->showPlugin();
+}
+
+void FaultBench::hide()
+{
+    working->hide();
+    working->hidePlugin();
+}
+
+QToolButton *FaultBench::startButton() const
+{
+    return widget<QToolButton>("pbStart");
+}
+
+QtCharts::QXYSeries *FaultBench::series(int index) const
+{
+    return qobject_cast<QtCharts::QXYSeries *>(view()->chart()->series().value(index));
+}
+
+QList<XmlRegisterWidget *> FaultBench::registerWidgets() const
+{
+    return working->findChildren<XmlRegisterWidget *>();
+}
+
+bool FaultBench::isIdle() const
+{
+    return startButton()->isEnabled();
+}
+
+int FaultBench::flightIndex() const
+{
+    return startButton()->property("RunFp").toInt();
+}
+
+void FaultBench::setLimits(int size) const
+{
+    for (const char *name : {"spM0max", "spM1max"})
+        widget<QSpinBox>(name)->setValue(size);
+    for (const char *name : {"spM0min", "spM1min"})
+        widget<QSpinBox>(name)->setValue(-size);
+}
+
+void FaultBench::pick(const QPointF &point)
+{
+    forgetStop();
+    QMetaObject::invokeMethod(working, "setTargetPosition", Q_ARG(QPointF, point),
+                              Q_ARG(QPoint, QPoint()));
+}
+
+void FaultBench::pressStart()
+{
+    hostSide.reset();
+    if (isIdle())
+        ++startsAllowed;
+    startButton()->click();
+}
+
+void FaultBench::pressStop()
+{
+    forgetStop();
+    hostSide.reset();
+    const QPointF here = actual();
+    const bool isWriting =
+        hostSide.underWay(*known.target[0]) + hostSide.underWay(*known.target[1]);
+    const QPointer<FaultBench> self(this);
+    const QPointer<ToolsInterface> pressed = working;
+    widget<QToolButton>("pbStop")->click();
+    if (self && pressed && flightIndex() != pathLength)
+        violation(QStringLiteral("stop leaves the flight path at %1").arg(flightIndex()));
+    // A target write that Stop was pressed in the middle of goes on behind it.
+    if (self && pressed && target() == here && !isWriting)
+        stopTarget = here;
+}
+
+void FaultBench::runFlightPath()
+{
+    forgetStop();
+    if (pathLength == 0)
+        pathLength = 12;
+    if (isIdle())
+        ++startsAllowed;
+    hostSide.reset();
+    startButton()->menu()->actions().at(0)->trigger();
+}
+
+bool FaultBench::inDialog(const std::function<void(QDialog *)> &act, bool accepts)
+{
+    bool hasActed = false;
+    QObject context;
+    QTimer::singleShot(0, &context, [&] {
+        const QPointer<QDialog> dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+        if (!dialog)
+            return;
+        hasActed = true;
+        act(dialog);
+        if (dialog && accepts)
+            dialog->accept();
+        else if (dialog)
+            dialog->reject();
+    });
+    startButton()->menu()->actions().at(1)->trigger();
+    return hasActed;
+}
+
+QList<int> FaultBench::timerIntervals() const
+{
+    QList<int> intervals;
+    const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(working);
+    for (const auto &timer : timers)
+        intervals << timer.interval;
+    std::sort(intervals.begin(), intervals.end());
+    return intervals;
+}
+
+void FaultBench::deliver(int interval, int otherInterval)
+{
+    if (!working)
+        return;
+    const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(working);
+    for (const auto &timer : timers) {
+        if (timer.interval != interval && timer.interval != otherInterval)
+            continue;
+        if (ticksUnderWay++ == 0) {
+            hostSide.reset();
+            hasNested = false;
+        } else {
+            hasNested = true;
+        }
+        QTimerEvent event(timer.timerId);
+        isDelivering = true;
+        QCoreApplication::sendEvent(working, &event);
+        --ticksUnderWay;
+        return;
+    }
+}
+
+void FaultBench::round(int stepMs)
+{
+    constexpr int samples = 5;
+    for (int i = 0; i < samples; ++i) {
+        clock.advance(stepMs * nsPerMs / samples);
+        sampleTick();
+    }
+    updateTick();
+}
+
+void FaultBench::rounds(int count)
+{
+    for (int i = 0; i < count && working; ++i)
+        round();
+}
+
+bool FaultBench::settle()
+{
+    // In longer and longer steps, for moves across the whole range.
+    for (int i = 0; i < 3000 && !isIdle(); ++i)
+        round(i < 500 ? 50 : i < 1500 ? 1000 : 20000);
+    return isIdle();
+}
+
+bool FaultBench::chipComesToRest()
+{
+    module.catchUp();
+    for (int i = 0; i < 2000 && module.chip().isMoving(); ++i) {
+        clock.advance((i < 500 ? 50 : 20000) * nsPerMs);
+        module.catchUp();
+    }
+    return !module.chip().isMoving();
+}
+
+QPoint FaultBench::chipPosition()
+{
+    module.catchUp();
+    return {module.chip().position(0), module.chip().position(1)};
+}
+
+int FaultBench::chipValue(const char *name)
+{
+    return module.registerValue(QLatin1String(name)).value_or(-1);
+}
+
+unsigned int FaultBench::address(const char *name)
+{
+    return module.chip().description().findRegister(QLatin1String(name))->address;
+}
+
+void FaultBench::writeFromElsewhere(const char *name, int value)
+{
+    hostSide.reset();
+    XmlValueRegister *reg =
+        module.hostModule().getIcProduct(0)->getRegisterByName(QLatin1String(name), true);
+    foreignWrite = address(name);
+    module.hostModule().writeChannelRegister(reg, 0, value);
+    foreignWrite.reset();
+}
+
+void FaultBench::repairRamps()
+{
+    for (const char *axis : {"M0_", "M1_"}) {
+        for (const char *setting : rampNames) {
+            const QByteArray name = QByteArray(axis) + setting;
+            const auto *described = module.chip().description().findRegister(QLatin1String(name));
+            if (chipValue(name) != described->resetValue)
+                writeFromElsewhere(name, described->resetValue);
+        }
+    }
+}
+
+void FaultBench::postInStep(int number, const std::function<void()> &action)
+{
+    hostSide.reset();
+    hostSide.inStep = [this, number, action](int step) {
+        if (step != number)
+            return;
+        hostSide.inStep = nullptr;
+        QMetaObject::invokeMethod(this, action, Qt::QueuedConnection);
+    };
+}
+
+void FaultBench::callInRequest(int number, const std::function<void()> &action)
+{
+    hostSide.reset();
+    hostSide.inRequest = [this, number, action](int request) {
+        if (request != number)
+            return;
+        hostSide.inRequest = nullptr;
+        action();
+    };
+}
+
+QStringList FaultBench::takeViolations()
+{
+    const QStringList taken = violations;
+    violations.clear();
+    return taken;
+}
+
+void FaultBench::violation(const QString &text)
+{
+    if (violations.size() < 20)
+        violations << text;
+}
+
+void FaultBench::hostWrites(unsigned int at, int value)
+{
+    if (hostSide.count() > mostRequestsPerEvent)
+        violation(QStringLiteral("an event makes requests without end"));
+    const auto *described = module.chip().description().findRegister(at);
+    if (!described || described->access == bench::RegisterAccess::ReadOnly)
+        violation(QStringLiteral("write to the read-only register at %1").arg(at));
+    if (foreignWrite == at) {
+        foreignWrite.reset();
+        return;
+    }
+    if (at == rampMode && value == linkedMode && ++startsSeen > startsAllowed)
+        violation(QStringLiteral("a start sequence that nobody asked for"));
+    for (int axis = 0; axis < 2 && stopTarget; ++axis) {
+        const double wanted = axis == 0 ? stopTarget->x() : stopTarget->y();
+        if (known.target[std::size_t(axis)] == at &&
+            (value ^ static_cast<int>(wanted)) & positionBits)
+            violation(QStringLiteral("target %1 of axis %2 written after stop at %3")
+                          .arg(value)
+                          .arg(axis)
+                          .arg(wanted));
+    }
+}
+
+void FaultBench::hostRead(unsigned int at, std::optional<int> answer)
+{
+    for (int axis = 0; axis < 2; ++axis) {
+        if (known.velocity[std::size_t(axis)] == at)
+            velocityAnswers[axis] = answer;
+    }
+}
+
+/// A move ends, and a flight path goes on, only behind two velocities that were answered with 0.
+void FaultBench::buttonChanged(QEvent *event)
+{
+    if (event->type() == QEvent::EnabledChange && isIdle()) {
+        ++endsSeen;
+        if (!hasNested && (velocityAnswers[0] != 0 || velocityAnswers[1] != 0))
+            violation(QStringLiteral("a move ends without both velocities at 0"));
+    } else if (event->type() == QEvent::EnabledChange) {
+        velocityAnswers[0].reset();
+        velocityAnswers[1].reset();
+    }
+    if (event->type() != QEvent::DynamicPropertyChange ||
+        static_cast<QDynamicPropertyChangeEvent *>(event)->propertyName() != "RunFp")
+        return;
+    const int index = flightIndex();
+    if (index < 0 || index > pathLength)
+        violation(QStringLiteral("flight path index %1 of %2").arg(index).arg(pathLength));
+    if (index == lastFlightIndex + 1 && index < pathLength) {
+        ++startsAllowed;
+        forgetStop();
+    }
+    lastFlightIndex = index;
+}
+
+bool FaultBench::eventFilter(QObject *object, QEvent *event)
+{
+    // The tool may be half gone, and then it is no tool any more.
+    if (object != watchedTool) {
+        if (qobject_cast<ToolsInterface *>(watchedTool.data()) && object == startButton())
+            buttonChanged(event);
+        return false;
+    }
+    if (event->type() != QEvent::Timer)
+        return false;
+    const bool isOurs = isDelivering;
+    isDelivering = false;
+    return !isOurs;
+}
