@@ -31,6 +31,7 @@ private slots:
     void anIdleToolReadsNoVelocities();
     void aFlightPathRunsToItsEnd();
     void stopEndsARun();
+    void aDisabledToolGoesOnWithItsRunWhenEnabled();
     void aLaterStartDoesNotResumeARun();
     void theToolMayGoInAnyRequestThatEndsAMove();
 };
@@ -212,6 +213,26 @@ void ToolMoveEndTest::stopEndsARun()
     QCOMPARE(bench.target()->at(0), QPointF(0, 300));
     QCOMPARE(bench.flightIndex(), 12);
     QCOMPARE(bench.takeWrites().filter(QStringLiteral("RAMPMODE")), QStringList());
+}
+
+void ToolMoveEndTest::aDisabledToolGoesOnWithItsRunWhenEnabled()
+{
+    PollBench bench;
+    bench.show();
+    bench.startButton()->menu()->actions().constFirst()->trigger();
+    bench.updateTick();
+    QCOMPARE(bench.flightIndex(), 1);
+    auto *panel = static_cast<QWidget *>(bench.tool());
+    panel->QWidget::setEnabled(false);
+    for (int i = 0; i < 3; ++i) {
+        bench.updateTick();
+        QCOMPARE(bench.flightIndex(), 1);
+        QCOMPARE(bench.timerIntervals(), (QList<int>{0, 50}));
+    }
+    panel->QWidget::setEnabled(true);
+    bench.updateTick();
+    QCOMPARE(bench.flightIndex(), 2);
+    QCOMPARE(bench.timerIntervals(), (QList<int>{0, 50}));
 }
 
 void ToolMoveEndTest::aLaterStartDoesNotResumeARun()
