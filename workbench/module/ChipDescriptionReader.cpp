@@ -10,7 +10,8 @@ namespace bench {
 
 namespace {
 
-constexpr qint64 maximumFileSize = 16 * 1024 * 1024;
+constexpr int maximumFileSize = 16 * 1024 * 1024;
+constexpr int readPieceSize = 64 * 1024;
 constexpr int maximumRegisterCount = 4096;
 
 // Reads one document; after a failed step, which returned false, `error` says why.
@@ -206,11 +207,25 @@ bool Reader::checkFieldIsNew(const RegisterDescription &target, const FieldDescr
     return true;
 }
 
+/// All of a file, or somewhat more than is allowed of one that is larger. In pieces, because a
+/// single read() sets aside as much as it is allowed to take, however short the file.
+QByteArray readAllowed(QIODevice *device)
+{
+    QByteArray data;
+    while (data.size() <= maximumFileSize) {
+        const QByteArray piece = device->read(readPieceSize);
+        if (piece.isEmpty())
+            break;
+        data += piece;
+    }
+    return data;
+}
+
 } // namespace
 
 std::optional<ChipDescription> readChipDescription(QIODevice *device, ChipDescriptionError *error)
 {
-    const QByteArray data = device->read(maximumFileSize + 1);
+    const QByteArray data = readAllowed(device);
     ChipDescriptionError fault{1, QStringLiteral("the file is larger than 16 MiB")};
     if (data.size() <= maximumFileSize) {
         Reader reader(data);
