@@ -198,6 +198,18 @@ void TestTape::faultyTapesAreRefused_data()
            R"("0x10000" where an address such as 0x22 should be)");
     second("decimal address", "1.000000000 0.000500000 read 22 m1 = 7",
            R"("22" where an address such as 0x22 should be)");
+    second("signed address", "1.000000000 0.000500000 read 0x+22 m1 = 7",
+           R"("0x+22" where an address such as 0x22 should be)");
+    second("address with two prefixes", "1.000000000 0.000500000 read 0x0x22 m1 = 7",
+           R"("0x0x22" where an address such as 0x22 should be)");
+    second("signed motor", "1.000000000 0.000500000 read 0x05 m+0 = 7",
+           R"("m+0" where a motor such as m0 should be)");
+    second("value with a plus", "1.000000000 0.000500000 read 0x05 m1 = +7",
+           R"("+7" where the value read should be)");
+    second("value with two signs", "1.000000000 0.000500000 read 0x05 m1 = --7",
+           R"("--7" where the value read should be)");
+    second("a sign alone", "1.000000000 0.000500000 read 0x05 m1 = -",
+           R"("-" where the value read should be)");
     second("motor beyond a byte", "1.000000000 0.000500000 read 0x05 m256 = 7",
            R"("m256" where a motor such as m0 should be)");
     second("no motor", "1.000000000 0.000500000 read 0x05 = 7",

@@ -1,5 +1,8 @@
 #include "TapeWords.h"
 
+#include <algorithm>
+#include <cctype>
+
 namespace bench {
 
 namespace {
@@ -11,13 +14,20 @@ constexpr int shownLength = 40;
 constexpr int decimal = 10;
 constexpr int hexadecimal = 16;
 
-bool areDigits(const QByteArray &text)
+bool isHexadecimalDigit(char character)
 {
-    for (const char character : text) {
-        if (character < '0' || character > '9')
-            return false;
-    }
-    return !text.isEmpty();
+    return std::isxdigit(static_cast<unsigned char>(character)) != 0;
+}
+
+bool isDecimalDigit(char character)
+{
+    return character >= '0' && character <= '9';
+}
+
+/// Qt's conversions take signs, blanks and a further "0x" as well; a tape has none of them there.
+bool areDigits(const QByteArray &text, bool (*isDigit)(char) = isDecimalDigit)
+{
+    return !text.isEmpty() && std::all_of(text.begin(), text.end(), isDigit);
 }
 
 } // namespace
@@ -67,8 +77,10 @@ unsigned int TapeWords::hex(unsigned int maximum, const char *what)
 {
     const QByteArray word = take(what);
     bool isNumber = false;
-    const unsigned int value = word.mid(2).toUInt(&isNumber, hexadecimal);
-    if (!word.startsWith("0x") || !isNumber || value > maximum)
+    const QByteArray digits = word.mid(2);
+    const unsigned int value = digits.toUInt(&isNumber, hexadecimal);
+    if (!word.startsWith("0x") || !areDigits(digits, isHexadecimalDigit) || !isNumber ||
+        value > maximum)
         refuse(word, what);
     return value;
 }
@@ -83,7 +95,7 @@ int TapeWords::number(const char *what)
     const QByteArray word = take(what);
     bool isNumber = false;
     const int value = word.toInt(&isNumber, decimal);
-    if (!isNumber)
+    if (!areDigits(word.startsWith('-') ? word.mid(1) : word) || !isNumber)
         refuse(word, what);
     return value;
 }
@@ -92,8 +104,9 @@ unsigned char TapeWords::motor()
 {
     const QByteArray word = take("a motor");
     bool isNumber = false;
-    const unsigned int value = word.mid(1).toUInt(&isNumber, decimal);
-    if (!word.startsWith('m') || !isNumber || value > 0xFF)
+    const QByteArray digits = word.mid(1);
+    const unsigned int value = digits.toUInt(&isNumber, decimal);
+    if (!word.startsWith('m') || !areDigits(digits) || !isNumber || value > 0xFF)
         refuse(word, "a motor such as m0");
     return static_cast<unsigned char>(value);
 }
