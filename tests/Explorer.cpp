@@ -339,9 +339,24 @@ QString Explorer::broken()
     QStringList found = bench.takeViolations() + warnings();
     warnings().clear();
     checkSeries(found);
+    checkTarget(found);
     checkLimits(found);
     checkTimers(found);
     return found.join(QStringLiteral("; "));
+}
+
+/// A target that is not marked as new is the one that was written last.
+void Explorer::checkTarget(QStringList &found) const
+{
+    const auto written = bench.writtenTarget();
+    const bool isNew = bench.series(0)->property("NewPt").toBool();
+    const bool hasRows = bench.registerWidgets().size() == 4;
+    if (!written || isNew || !hasRows || hasLostRegisters)
+        return;
+    if (*written != FaultBench::asTarget(bench.target()))
+        found << QStringLiteral("the target shown was not written, but %1, %2")
+                     .arg(written->x())
+                     .arg(written->y());
 }
 
 void Explorer::checkSeries(QStringList &found) const
@@ -370,6 +385,10 @@ void Explorer::checkLimits(QStringList &found) const
         const int high = bench.widget<QSpinBox>(limitNames[2 * axis + 1])->value();
         if (low % gridStep != 0 || high % gridStep != 0 || high - low < minimumSpan)
             found << QStringLiteral("limits %1 to %2 of axis %3").arg(low).arg(high).arg(axis);
+        // Limits that set each other off may leave a bound tighter than it need be.
+        if (bench.widget<QSpinBox>(limitNames[2 * axis])->maximum() > high - minimumSpan ||
+            bench.widget<QSpinBox>(limitNames[2 * axis + 1])->minimum() < low + minimumSpan)
+            found << QStringLiteral("the limits of axis %1 could come closer").arg(axis);
         const auto *shown = qobject_cast<QtCharts::QValueAxis *>(
             bench.view()->chart()->axes(axis == 0 ? Qt::Horizontal : Qt::Vertical).value(0));
         if (!qFuzzyCompare(shown->min() + 1e9, low + 1e9) ||
@@ -392,11 +411,7 @@ void Explorer::checkTimers(QStringList &found)
         found << QStringLiteral("timers of other intervals or more than one of a kind");
     if (samples > 0 && bench.isIdle())
         found << QStringLiteral("sampling while the start button is enabled");
-    // An update tick inside another's velocity reads ends the move; the outer one may then have
-    // read something else, and the next tick ends the move once more.
-    const bool isUnsampled = samples == 0 && !bench.isIdle();
-    isEndingTwice = isUnsampled && (isEndingTwice || bench.hadNestedTicks());
-    if (isUnsampled && !isEndingTwice)
+    if (samples == 0 && !bench.isIdle())
         found << QStringLiteral("a move is not sampled");
 }
 

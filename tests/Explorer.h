@@ -50,6 +50,8 @@ using ExplorerEvents = QVector<ExplorerEvent>;
 
 /// A line for people to read.
 QString textOf(const ExplorerEvent &event);
+/// An indented line for each.
+QString textOf(const ExplorerEvents &events);
 
 /// Always the same for a seed.
 ExplorerEvents explorerEvents(unsigned int seed, int count);
@@ -92,6 +94,7 @@ private:
     void editRow(const ExplorerEvent &event);
     void takePath(const ExplorerEvent &event);
     void switchOn(const ExplorerEvent &event);
+    void checkTarget(QStringList &found) const;
     void checkSeries(QStringList &found) const;
     void checkLimits(QStringList &found) const;
     void checkTimers(QStringList &found);
@@ -99,7 +102,6 @@ private:
     FaultBench bench;
     bool hasLostRegisters = false;
     bool wasUpdate = false;
-    bool isEndingTwice = false;
     std::optional<ExplorerEvent> nested; ///< waits for an event that makes enough requests
 };
 

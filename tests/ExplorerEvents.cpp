@@ -158,6 +158,14 @@ QString textOf(const ExplorerEvent &event)
     return text + QStringLiteral(" {%1, %2}").arg(event.a).arg(event.b);
 }
 
+QString textOf(const ExplorerEvents &events)
+{
+    QString text;
+    for (const ExplorerEvent &event : events)
+        text += QStringLiteral("\n    ") + textOf(event);
+    return text;
+}
+
 ExplorerEvents explorerEvents(unsigned int seed, int count)
 {
     Dice dice(seed);

@@ -32,6 +32,13 @@ constexpr int mostRequestsPerEvent = 5000;
 
 const char *const rampNames[] = {"VMAX", "AMAX", "DMAX", "V1", "A1", "D1", "V2", "A2", "D2"};
 
+/// What a target register holds of a value written to it, which is its lower bits with their sign.
+int inRegister(int value)
+{
+    constexpr int signBit = (positionBits + 1) / 2;
+    return ((value & positionBits) ^ signBit) - signBit;
+}
+
 bench::ChipDescription shippedChip()
 {
     const auto chip = readShippedChip();
@@ -71,10 +78,10 @@ bool WatchedLink::writeRegister(unsigned int address, unsigned char motor, int v
 {
     if (beforeWrite)
         beforeWrite(address, value);
-    openWrites.append(address);
     enter(true);
     const bool isWritten = next.writeRegister(address, motor, value);
-    openWrites.removeLast();
+    if (afterWrite)
+        afterWrite(address, value);
     return isWritten;
 }
 
@@ -135,6 +142,7 @@ void FaultBench::wire()
     };
     faulty.setActions(actions);
     hostSide.beforeWrite = [this](unsigned int at, int value) { hostWrites(at, value); };
+    hostSide.afterWrite = [this](unsigned int at, int value) { hostWrote(at, value); };
     hostSide.afterRead = [this](unsigned int at, std::optional<int> answer) {
         hostRead(at, answer);
     };
@@ -153,6 +161,8 @@ void FaultBench::openTool()
     startButton()->installEventFilter(this);
     pathLength = 12;
     lastFlightIndex = flightIndex();
+    targetWrites[0].reset();
+    targetWrites[1].reset();
     forgetStop();
 }
 
@@ -228,15 +238,12 @@ void FaultBench::pressStop()
     forgetStop();
     hostSide.reset();
     const QPointF here = actual();
-    const bool isWriting =
-        hostSide.underWay(*known.target[0]) + hostSide.underWay(*known.target[1]);
     const QPointer<FaultBench> self(this);
     const QPointer<ToolsInterface> pressed = working;
     widget<QToolButton>("pbStop")->click();
     if (self && pressed && flightIndex() != pathLength)
         violation(QStringLiteral("stop leaves the flight path at %1").arg(flightIndex()));
-    // A target write that Stop was pressed in the middle of goes on behind it.
-    if (self && pressed && target() == here && !isWriting)
+    if (self && pressed && target() == here)
         stopTarget = here;
 }
 
@@ -288,12 +295,8 @@ void FaultBench::deliver(int interval, int otherInterval)
     for (const auto &timer : timers) {
         if (timer.interval != interval && timer.interval != otherInterval)
             continue;
-        if (ticksUnderWay++ == 0) {
+        if (ticksUnderWay++ == 0)
             hostSide.reset();
-            hasNested = false;
-        } else {
-            hasNested = true;
-        }
         QTimerEvent event(timer.timerId);
         isDelivering = true;
         QCoreApplication::sendEvent(working, &event);
@@ -360,6 +363,10 @@ void FaultBench::writeFromElsewhere(const char *name, int value)
     foreignWrite = address(name);
     module.hostModule().writeChannelRegister(reg, 0, value);
     foreignWrite.reset();
+    if (known.target[0] == address(name) || known.target[1] == address(name)) {
+        targetWrites[0].reset();
+        targetWrites[1].reset();
+    }
 }
 
 void FaultBench::repairRamps()
@@ -394,6 +401,18 @@ void FaultBench::callInRequest(int number, const std::function<void()> &action)
         hostSide.inRequest = nullptr;
         action();
     };
+}
+
+std::optional<QPoint> FaultBench::writtenTarget() const
+{
+    if (!targetWrites[0] || !targetWrites[1])
+        return std::nullopt;
+    return QPoint(*targetWrites[0], *targetWrites[1]);
+}
+
+QPoint FaultBench::asTarget(const QPointF &point)
+{
+    return {inRegister(static_cast<int>(point.x())), inRegister(static_cast<int>(point.y()))};
 }
 
 QStringList FaultBench::takeViolations()
@@ -433,6 +452,14 @@ void FaultBench::hostWrites(unsigned int at, int value)
     }
 }
 
+void FaultBench::hostWrote(unsigned int at, int value)
+{
+    for (int axis = 0; axis < 2; ++axis) {
+        if (known.target[std::size_t(axis)] == at)
+            targetWrites[axis] = inRegister(value);
+    }
+}
+
 void FaultBench::hostRead(unsigned int at, std::optional<int> answer)
 {
     for (int axis = 0; axis < 2; ++axis) {
@@ -446,7 +473,7 @@ void FaultBench::buttonChanged(QEvent *event)
 {
     if (event->type() == QEvent::EnabledChange && isIdle()) {
         ++endsSeen;
-        if (!hasNested && (velocityAnswers[0] != 0 || velocityAnswers[1] != 0))
+        if ((velocityAnswers[0] != 0 || velocityAnswers[1] != 0))
             violation(QStringLiteral("a move ends without both velocities at 0"));
     } else if (event->type() == QEvent::EnabledChange) {
         velocityAnswers[0].reset();

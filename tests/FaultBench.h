@@ -33,6 +33,8 @@ public:
     std::function<bool(unsigned int)> isStepRead;
     /// Called with each write before it is passed on.
     std::function<void(unsigned int, int)> beforeWrite;
+    /// Called with each write that was passed on, whatever has become of it.
+    std::function<void(unsigned int, int)> afterWrite;
     /// Called with each answer to a read; nothing for a read that failed.
     std::function<void(unsigned int, std::optional<int>)> afterRead;
 
@@ -45,8 +47,6 @@ public:
     /// Lets the number of the step go on over several sequences.
     void keepCounting(bool keeps) { isCounting = keeps; }
     void disarm() { inRequest = inStep = nullptr; }
-    /// Writes of this address that are under way, in each other.
-    int underWay(unsigned int address) const { return openWrites.count(address); }
     int count() const { return requests; }
 
     bool readRegister(unsigned int address, unsigned char motor, int *value) override;
@@ -61,7 +61,6 @@ private:
     int requests = 0;
     int steps = 0;
     bool isCounting = false;
-    QVector<unsigned int> openWrites;
 };
 
 /// The tool out of the built module on a simulated module with a faulty link, in stepped time.
@@ -121,8 +120,6 @@ public:
     /// `stepMs` of stepped time with five samples, then the update tick.
     void round(int stepMs = 50);
     void rounds(int count);
-    /// The timer event delivered last, or one around it, had another one inside.
-    bool hadNestedTicks() const { return hasNested; }
     /// Rounds until the start button is enabled; false after too many.
     bool settle();
     /// True when the chip stands still, at once or after a bounded time without the tool.
@@ -144,6 +141,12 @@ public:
     /// Calls `action` in the n-th request from now, faults or not.
     void callInRequest(int number, const std::function<void()> &action);
 
+    /// What the tool wrote last to the target registers; nothing before both, and after a write
+    /// from elsewhere.
+    std::optional<QPoint> writtenTarget() const;
+    /// As a target register holds it, which has 24 bits.
+    static QPoint asTarget(const QPointF &point);
+
     /// Forgets which target Stop has set: somebody sets another one.
     void forgetStop() { stopTarget.reset(); }
 
@@ -158,6 +161,7 @@ private:
     void wire();
     void deliver(int interval, int otherInterval);
     void hostWrites(unsigned int at, int value);
+    void hostWrote(unsigned int at, int value);
     void hostRead(unsigned int at, std::optional<int> answer);
     void buttonChanged(QEvent *event);
     void violation(const QString &text);
@@ -168,7 +172,6 @@ private:
     QPointer<QObject> watchedTool;
     bool isDelivering = false;
     int ticksUnderWay = 0;
-    bool hasNested = false;
     int startsSeen = 0;
     int endsSeen = 0;
     int startsAllowed = 0;
@@ -176,6 +179,7 @@ private:
     std::optional<unsigned int> foreignWrite;
     std::optional<QPointF> stopTarget;
     std::optional<int> velocityAnswers[2];
+    std::optional<int> targetWrites[2];
     QStringList violations;
 };
 

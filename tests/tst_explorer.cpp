@@ -1,11 +1,11 @@
 #include "Explorer.h"
+#include "ExplorerRun.h"
 #include "HeadlessPlatform.h"
 
 #include <QTest>
 
 namespace {
 
-constexpr int eventsPerSequence = 250;
 constexpr int presetEvents = 100000;
 constexpr unsigned int presetSeed = 1;
 
@@ -18,17 +18,29 @@ int numberFrom(const char *variable, int preset)
 
 QString report(unsigned int seed, const ExplorerFailure &failure)
 {
-    QString text = QStringLiteral("seed %1: %2").arg(seed).arg(failure.text);
-    for (const ExplorerEvent &event : failure.events)
-        text += QStringLiteral("\n    ") + textOf(event);
-    return text;
+    return QStringLiteral("seed %1: %2").arg(seed).arg(failure.text) + textOf(failure.events);
+}
+
+/// What is wrong with as many sequences as the environment says; empty when nothing is.
+QString exploreSequences(unsigned int first, int sequences)
+{
+    for (int i = 0; i < sequences; ++i) {
+        const unsigned int seed = first + static_cast<unsigned int>(i);
+        const ExplorerEvents events =
+            ExplorerRun::begin(seed, explorerEvents(seed, ExplorerRun::eventsPerSequence));
+        const auto failure = explore(seed, events);
+        if (failure)
+            return report(seed, shortest(seed, *failure));
+    }
+    return QString();
 }
 
 } // namespace
 
-/// Sequences by chance. EXPLORER_EVENTS sets how many events in all, EXPLORER_SEED the first
-/// sequence's seed, each further one having the next; EXPLORER_TRACE tells each seed beforehand,
-/// to find the one that crashes. Runs of more than five minutes need QTEST_FUNCTION_TIMEOUT.
+/// Sequences by chance, in a process of their own. EXPLORER_EVENTS sets how many events in all,
+/// EXPLORER_SEED the first sequence's seed, each further one having the next. Runs of more than
+/// five minutes need QTEST_FUNCTION_TIMEOUT. With EXPLORER_WORKER set the sequences run in this
+/// process, to have a debugger look at them.
 class TestExplorer : public QObject
 {
     Q_OBJECT
@@ -37,7 +49,11 @@ private slots:
     void initTestCase() { silenceHeadlessPlatform(); }
     void eventsMeanTheSameForTheSameSeed();
     void shorteningLeavesTheEventsThatMatter();
+    void crashesAreShortenedToo();
     void whateverHappensTheToolStaysWhole();
+
+private:
+    static void exploreHere();
 };
 
 void TestExplorer::eventsMeanTheSameForTheSameSeed()
@@ -69,17 +85,24 @@ void TestExplorer::shorteningLeavesTheEventsThatMatter()
 
 void TestExplorer::whateverHappensTheToolStaysWhole()
 {
+    if (ExplorerRun::isHere())
+        return exploreHere();
+    ExplorerRun run(QLatin1String(QTest::currentTestFunction()));
+    const QString broken = run.run();
+    QVERIFY2(broken.isEmpty(), qPrintable(broken));
+    for (const QString &line : run.summary().split(QLatin1Char('\n'))) {
+        if (line.contains(QLatin1String("ends of moves")))
+            qInfo("%s", qPrintable(line.section(QStringLiteral("() "), 1)));
+    }
+}
+
+void TestExplorer::exploreHere()
+{
     const int events = numberFrom("EXPLORER_EVENTS", presetEvents);
     const auto first = static_cast<unsigned int>(numberFrom("EXPLORER_SEED", int(presetSeed)));
-    const int sequences = qMax(1, events / eventsPerSequence);
-    for (int i = 0; i < sequences; ++i) {
-        const unsigned int seed = first + static_cast<unsigned int>(i);
-        if (qEnvironmentVariableIsSet("EXPLORER_TRACE"))
-            qInfo("seed %u", seed);
-        const auto failure = explore(seed, explorerEvents(seed, eventsPerSequence));
-        if (failure)
-            QFAIL(qPrintable(report(seed, shortest(seed, *failure))));
-    }
+    const QString broken =
+        exploreSequences(first, qMax(1, events / ExplorerRun::eventsPerSequence));
+    QVERIFY2(broken.isEmpty(), qPrintable(broken));
     const Explorer::Counts &counts = Explorer::counts();
     qInfo("%d starts, %d ends of moves, %d nested events, %d paths, %d deletions in requests",
           counts.starts, counts.movesEnded, counts.nested, counts.pathsTaken, counts.deletedInside);
@@ -91,6 +114,18 @@ void TestExplorer::whateverHappensTheToolStaysWhole()
         QVERIFY(counts.pathsTaken > 100);
         QVERIFY(counts.deletedInside > 10);
     }
+}
+
+void TestExplorer::crashesAreShortenedToo()
+{
+    ExplorerRun run(QStringLiteral("whateverHappensTheToolStaysWhole"));
+    run.abortOn(ExplorerEvent::TraceLength);
+    const QString broken = run.run();
+    QVERIFY2(broken.startsWith(QLatin1String("seed ")), qPrintable(broken));
+    QVERIFY2(broken.contains(QLatin1String(": crashed or hung\n")), qPrintable(broken));
+    const QString sequence = broken.mid(broken.indexOf(QLatin1String("shortest sequence:\n")));
+    QCOMPARE(sequence.count(QLatin1Char('\n')), 1);
+    QVERIFY2(sequence.contains(QLatin1String("    trace length {")), qPrintable(broken));
 }
 
 QTEST_MAIN(TestExplorer)
