@@ -9,15 +9,18 @@
 
 namespace {
 
-// Setting a snapped value runs the same handler again, then with a value on the grid.
+// Setting a snapped value runs the same handler again, then with a value on the grid. A host that
+// follows the axes may delete the tool.
 
 void lowerLimitChanged(int limit, QSpinBox *lower, QSpinBox *upper, QtCharts::QValueAxis *axis)
 {
     if (!drive::isOnGrid(limit)) {
         lower->setValue(drive::snappedLowerLimit(limit));
-    } else if (axis) {
+    } else {
+        const QPointer<QSpinBox> guard(upper);
         axis->setMin(limit);
-        upper->setMinimum(drive::saturatedSum(limit, drive::minimumSpan));
+        if (guard)
+            upper->setMinimum(drive::saturatedSum(limit, drive::minimumSpan));
     }
 }
 
@@ -25,9 +28,11 @@ void upperLimitChanged(int limit, QSpinBox *lower, QSpinBox *upper, QtCharts::QV
 {
     if (!drive::isOnGrid(limit)) {
         upper->setValue(drive::snappedUpperLimit(limit));
-    } else if (axis) {
+    } else {
+        const QPointer<QSpinBox> guard(lower);
         axis->setMax(limit);
-        lower->setMaximum(drive::saturatedSum(limit, -drive::minimumSpan));
+        if (guard)
+            lower->setMaximum(drive::saturatedSum(limit, -drive::minimumSpan));
     }
 }
 
@@ -35,7 +40,7 @@ void upperLimitChanged(int limit, QSpinBox *lower, QSpinBox *upper, QtCharts::QV
 
 void SynchronisedDriveTool::on_spM0min_valueChanged(int arg1)
 {
-    if (!ui)
+    if (!isComplete())
         return;
     const TraceRangeChange change(traceSeries);
     lowerLimitChanged(arg1, ui->spM0min, ui->spM0max, axisX);
@@ -43,7 +48,7 @@ void SynchronisedDriveTool::on_spM0min_valueChanged(int arg1)
 
 void SynchronisedDriveTool::on_spM0max_valueChanged(int arg1)
 {
-    if (!ui)
+    if (!isComplete())
         return;
     const TraceRangeChange change(traceSeries);
     upperLimitChanged(arg1, ui->spM0min, ui->spM0max, axisX);
@@ -51,7 +56,7 @@ void SynchronisedDriveTool::on_spM0max_valueChanged(int arg1)
 
 void SynchronisedDriveTool::on_spM1min_valueChanged(int arg1)
 {
-    if (!ui)
+    if (!isComplete())
         return;
     const TraceRangeChange change(traceSeries);
     lowerLimitChanged(arg1, ui->spM1min, ui->spM1max, axisY);
@@ -59,7 +64,7 @@ void SynchronisedDriveTool::on_spM1min_valueChanged(int arg1)
 
 void SynchronisedDriveTool::on_spM1max_valueChanged(int arg1)
 {
-    if (!ui)
+    if (!isComplete())
         return;
     const TraceRangeChange change(traceSeries);
     upperLimitChanged(arg1, ui->spM1min, ui->spM1max, axisY);

@@ -39,24 +39,31 @@ int shifted(int limit, qint64 by)
 } // namespace
 
 // The spin boxes and the axes are two views of one state. A range set by a zoom goes into the spin
-// boxes, whose own handlers may move it further, and comes back as whole numbers.
+// boxes, whose own handlers may move it further, and comes back as whole numbers. A host that
+// follows any of these may delete the tool.
 
 void SynchronisedDriveTool::rangeChangedX(double min, double max)
 {
+    const QPointer<SynchronisedDriveTool> self(this);
     const TraceRangeChange change(traceSeries);
     redrawTrace([min, max](const QPointF &point) { return min <= point.x() && point.x() <= max; });
     ui->spM0max->setValue(drive::truncated(max));
-    ui->spM0min->setValue(drive::truncated(min));
-    axisX->setRange(ui->spM0min->value(), ui->spM0max->value());
+    if (self)
+        ui->spM0min->setValue(drive::truncated(min));
+    if (self)
+        axisX->setRange(ui->spM0min->value(), ui->spM0max->value());
 }
 
 void SynchronisedDriveTool::rangeChangedY(double min, double max)
 {
+    const QPointer<SynchronisedDriveTool> self(this);
     const TraceRangeChange change(traceSeries);
     redrawTrace([min, max](const QPointF &point) { return min <= point.y() && point.y() <= max; });
     ui->spM1max->setValue(drive::truncated(max));
-    ui->spM1min->setValue(drive::truncated(min));
-    axisY->setRange(ui->spM1min->value(), ui->spM1max->value());
+    if (self)
+        ui->spM1min->setValue(drive::truncated(min));
+    if (self)
+        axisY->setRange(ui->spM1min->value(), ui->spM1max->value());
 }
 
 /// Draws the history anew, thinned for the present scale, without the points outside the range that
@@ -86,13 +93,14 @@ void SynchronisedDriveTool::redrawTrace(const Accepts &isInRange)
 /// no turn at all counts as zooming in: both meant so.
 void SynchronisedDriveTool::wheelEvent(QWheelEvent *ev)
 {
-    if (!ui || QGuiApplication::keyboardModifiers() != Qt::ControlModifier)
+    if (!isComplete() || QGuiApplication::keyboardModifiers() != Qt::ControlModifier)
         return;
     const WheelTurn turn = turnOf(ev);
-    QPushButton *button = turn.delta < 0 ? ui->btnZoomOut : ui->btnZoomIn;
+    const QPointer<QPushButton> button(turn.delta < 0 ? ui->btnZoomOut : ui->btnZoomIn);
     button->setProperty(drive::property::ZoomPoint, drive::rounded(turn.position));
     button->click();
-    button->setProperty(drive::property::ZoomPoint, QVariant());
+    if (button)
+        button->setProperty(drive::property::ZoomPoint, QVariant());
     ev->accept();
 }
 
@@ -100,8 +108,9 @@ void SynchronisedDriveTool::wheelEvent(QWheelEvent *ev)
 /// otherwise the view is centred on the actual position.
 void SynchronisedDriveTool::zoom()
 {
-    if (!ui)
+    if (!isComplete())
         return;
+    const QPointer<SynchronisedDriveTool> self(this);
     const TraceRangeChange change(traceSeries);
     const QObject *button = sender();
     const QVariant wheelAt = button ? button->property(drive::property::ZoomPoint) : QVariant();
@@ -110,6 +119,8 @@ void SynchronisedDriveTool::zoom()
         chart->zoomOut();
     else if (button == ui->btnZoomIn)
         chart->zoomIn();
+    if (!self)
+        return;
 
     QPoint reference = before;
     QPoint centre = drive::rounded(chart->mapToValue(wheelAt.toPointF()));
@@ -125,25 +136,32 @@ void SynchronisedDriveTool::zoom()
 /// enough not to jitter.
 void SynchronisedDriveTool::shiftView(qint64 dx, qint64 dy)
 {
+    const QPointer<SynchronisedDriveTool> self(this);
+    const auto shift = [&self](QSpinBox *limit, int from, qint64 by) {
+        if (self)
+            limit->setValue(shifted(from, by));
+    };
     const int m0max = ui->spM0max->value();
     const int m1min = ui->spM1min->value();
     const int m0min = ui->spM0min->value();
     const int m1max = ui->spM1max->value();
     if (qAbs(dx) > drive::zoomShiftThreshold) {
-        ui->spM0max->setValue(shifted(m0max, dx));
-        ui->spM0min->setValue(shifted(m0min, dx));
+        shift(ui->spM0max, m0max, dx);
+        shift(ui->spM0min, m0min, dx);
     }
     if (qAbs(dy) > drive::zoomShiftThreshold) {
-        ui->spM1max->setValue(shifted(m1max, dy));
-        ui->spM1min->setValue(shifted(m1min, dy));
+        shift(ui->spM1max, m1max, dy);
+        shift(ui->spM1min, m1min, dy);
     }
 }
 
 /// The button is a toggle on purpose; each click clears.
 void SynchronisedDriveTool::on_btnClearTraces_clicked()
 {
-    if (!ui)
+    if (!isComplete())
         return;
+    const QPointer<SynchronisedDriveTool> self(this);
     trace()->setPoints({actual()});
-    tracePoints = {actual()};
+    if (self)
+        tracePoints = {actual()};
 }

@@ -29,7 +29,7 @@ void logAction(const QString &text)
     qCDebug(debLowLevel) << "SynchronisedDriveTool::initFlightPath()::<lambda()>" << text;
 }
 
-/// The actions have no parent; they go with the menu, at once: the module may be unloaded next.
+/// The actions have no parent; they go with the menu, at once: the plug-in may be unloaded next.
 QAction *addMenuAction(QMenu *menu, const QString &icon, const QString &text)
 {
     auto *action = new QAction(QIcon(icon), text, nullptr);
@@ -62,9 +62,11 @@ void SynchronisedDriveTool::runFlightPath(const QAction *action)
     logAction(action->text());
     if (flightPath.isEmpty())
         initFlightPath();
+    const QPointer<SynchronisedDriveTool> self(this);
     ui->pbStart->setProperty(drive::property::RunFlightPath, 0);
     setTargetPosition(flightPath.constFirst(), QPoint(0, 0));
-    ui->pbStart->click();
+    if (self)
+        ui->pbStart->click();
 }
 
 void SynchronisedDriveTool::editFlightPath(const QAction *action)

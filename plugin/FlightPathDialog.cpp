@@ -149,11 +149,12 @@ QString FlightPathDialog::askForFile()
     return isChosen ? dialog->selectedFiles().value(0) : QString();
 }
 
-/// False, with nothing changed, when the file cannot be opened.
+/// False, with nothing changed, when the file cannot be opened, or is no file: a pipe would keep
+/// the panel waiting, and a device never ends.
 bool FlightPathDialog::readFile(const QString &fileName)
 {
     QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Text))
         return false;
     const auto fieldsRead =
         debLowLevel().isDebugEnabled() ? logFields : std::function<void(const QStringList &)>();
@@ -163,7 +164,7 @@ bool FlightPathDialog::readFile(const QString &fileName)
     return true;
 }
 
-/// The folder, as long as it is not the one that a file dialog opens without being told.
+/// The folder, unless it is the process's own, which needs no remembering.
 void FlightPathDialog::rememberFolder(const QString &fileName) const
 {
     const QString folder = QFileInfo(fileName).absolutePath();

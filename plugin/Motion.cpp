@@ -38,10 +38,14 @@ QPointF SynchronisedDriveTool::actual() const
 /// directions a drag pushes past the edge of the plot area, y downward.
 void SynchronisedDriveTool::setTargetPosition(QPointF point, QPoint outer)
 {
-    if (!ui)
+    if (!isComplete())
         return;
+    const QPointer<SynchronisedDriveTool> self(this);
     if (drive::isFinite(point) && !drive::samePoint(point, target())) {
         targetSeries->replace(0, point);
+        // A host that follows the chart or the limits may have deleted the tool.
+        if (!self)
+            return;
         targetSeries->setProperty(drive::property::NewTarget, true);
     }
     pushLimits(outer);
@@ -58,7 +62,6 @@ void SynchronisedDriveTool::pushLimits(QPoint outer)
         push(ui->spM0max, tickStep(axisX));
     else if (outer.x() < 0)
         push(ui->spM0min, -tickStep(axisX));
-    // A host that follows the limits may have deleted the tool.
     if (!self)
         return;
     if (outer.y() < 0)
@@ -69,7 +72,7 @@ void SynchronisedDriveTool::pushLimits(QPoint outer)
 
 void SynchronisedDriveTool::on_pbStart_clicked()
 {
-    if (!ui)
+    if (!isComplete())
         return;
     updateTimer.start(drive::movingUpdatePeriodMs, Qt::PreciseTimer, this);
 
@@ -85,9 +88,12 @@ void SynchronisedDriveTool::on_pbStart_clicked()
         return;
 
     ui->pbStart->setEnabled(false);
+    if (!self)
+        return;
     pendingSamples = {actual()};
     sampleTimer.start(drive::samplePeriodMs, Qt::PreciseTimer, this);
-    // What a write brought back behind a stop may have moved the marker again.
+    // The request that the stop was pressed in the middle of has reached the module behind the
+    // stop's own.
     if (isStopPressed())
         on_pbStop_clicked();
 }
@@ -117,14 +123,14 @@ bool SynchronisedDriveTool::isStopPressed() const
 /// Halts the axes by driving both to where they are. The polling cycle finds the end of the move.
 void SynchronisedDriveTool::on_pbStop_clicked()
 {
-    if (!ui)
+    if (!isComplete())
         return;
+    const QPointer<SynchronisedDriveTool> self(this);
     ui->pbStop->setProperty(drive::property::StopPressed, true);
     const QPointF here = actual();
     setTargetPosition(here, QPoint(0, 0));
-    const bool isStopped = writeField(m0XtargetWidget, here.x()) &&
-                           writeField(m1XtargetWidget, here.y()) &&
-                           writeRegister(rampModeRegister, drive::rampModePositioning);
-    if (isStopped)
+    if (self && writeField(m0XtargetWidget, here.x()) && writeField(m1XtargetWidget, here.y()))
+        writeRegister(rampModeRegister, drive::rampModePositioning);
+    if (self)
         ui->pbStart->setProperty(drive::property::RunFlightPath, flightPath.size());
 }

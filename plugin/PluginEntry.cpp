@@ -4,9 +4,9 @@
 
 namespace {
 
-// What a host reads before it loads the module. Written out here instead of by moc, which would put
-// in the Qt version and build type of the machine that compiled it: the module needs no more than
-// Qt 5.12, and a debug build of it is as good for any host as a release build.
+// What a host reads before it loads the plug-in. Written out here instead of by moc, which would
+// put in the Qt version and build type of the machine that compiled it: the plug-in needs no more
+// than Qt 5.12, and a debug build of it is as good for any host as a release build.
 
 __attribute__((section(".qtmetadata"), used)) constexpr char pluginMetaData[] = {
     'Q', 'T', 'M', 'E', 'T', 'A', 'D', 'A', 'T', 'A', ' ', '!',

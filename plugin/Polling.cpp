@@ -38,6 +38,15 @@ void setSignalsBlocked(const QPointer<XmlRegisterWidget> &widget, bool block)
         widget->blockSignals(block);
 }
 
+/// Takes out the oldest points behind the first `kept`, many at a time, once there are far too
+/// many.
+void keepNewest(QVector<QPointF> &points, int kept)
+{
+    constexpr int surplus = drive::historyCapacity / 10;
+    if (points.size() >= drive::historyCapacity + surplus)
+        points.remove(kept, surplus);
+}
+
 /// Moves a limit, where the position has passed it, to one tick beyond the position.
 void keepBetween(double position, QSpinBox *lower, QSpinBox *upper, int tickCount)
 {
@@ -57,7 +66,7 @@ void keepBetween(double position, QSpinBox *lower, QSpinBox *upper, int tickCoun
 /// Without an event: one sample at once, for a tool that is being shown.
 void SynchronisedDriveTool::timerEvent(QTimerEvent *ev)
 {
-    if (!ui)
+    if (!isComplete())
         return;
     if (!ev)
         sampleTick(false);
@@ -96,6 +105,10 @@ void SynchronisedDriveTool::sampleTick(bool isMoving)
                !drive::samePoint(position, pendingSamples.constLast())) {
         pendingSamples.append(position);
         tracePoints.append(position);
+        // Update ticks keep both short, but there are none while the tool is hidden. The first of
+        // those pending stands for what is drawn.
+        keepNewest(pendingSamples, 1);
+        keepNewest(tracePoints, 0);
     }
 }
 
@@ -146,6 +159,9 @@ void SynchronisedDriveTool::drawSamples()
     pendingSamples.removeFirst();
     appendToTrace(pendingSamples);
     actualSeries->replace(0, newest);
+    // A host that follows the chart may have deleted the tool.
+    if (!self)
+        return;
     pendingSamples = {actual()};
 
     if (m0XactualWidget)
@@ -197,13 +213,16 @@ void SynchronisedDriveTool::checkEndOfMove()
     if (!readRegister(m0VactualRegister, 0, &m0Velocity) ||
         !readRegister(m1VactualRegister, 0, &m1Velocity))
         return;
-    // A host that handles events while it waits may have let a later look find the end.
-    if (ui->pbStart->property(drive::property::EndCheck).toUInt() != check)
+    // A host that handles events while it waits may have let a later look find the end, or have
+    // hidden the tool, which then finds the end when it is shown again.
+    if (ui->pbStart->property(drive::property::EndCheck).toUInt() != check ||
+        !updateTimer.isActive())
         return;
     // While the host has the whole tool disabled a flight path could not go on, so nothing ends.
     const bool hasEnded = m0Velocity == 0 && m1Velocity == 0 && isEnabled();
+    const QPointer<SynchronisedDriveTool> self(this);
     ui->pbStart->setEnabled(hasEnded);
-    if (!hasEnded)
+    if (!self || !hasEnded)
         return;
     sampleTimer.stop();
     updateTimer.start(drive::idleUpdatePeriodMs, Qt::PreciseTimer, this);
@@ -217,8 +236,10 @@ void SynchronisedDriveTool::runNextFlightPathPoint()
     if (next < 0 || next >= flightPath.size())
         return;
     ui->pbStart->setProperty(drive::property::RunFlightPath, next);
+    const QPointer<SynchronisedDriveTool> self(this);
     setTargetPosition(flightPath.at(next), QPoint(0, 0));
-    ui->pbStart->click();
+    if (self)
+        ui->pbStart->click();
 }
 
 void SynchronisedDriveTool::trimTrace()

@@ -1,5 +1,6 @@
 #include "SynchronisedDriveTool.h"
 
+#include "ToolConstants.h"
 #include "ui_SynchronisedDriveTool.h"
 
 #include "XmlValueRegister.h"
@@ -8,6 +9,9 @@ namespace {
 
 const auto m0Prefix = QStringLiteral("M0_");
 const auto m1Prefix = QStringLiteral("M1_");
+
+/// Enough for settings that change while they are read; a host may report writes without end.
+constexpr int mostRampReads = 3;
 
 QString zeroSettingsToolTip(const QStringList &m0Zeros, const QStringList &m1Zeros)
 {
@@ -21,18 +25,39 @@ QString zeroSettingsToolTip(const QStringList &m0Zeros, const QStringList &m1Zer
 
 } // namespace
 
-/// Marks the button that leads to the ramp settings when one that a move needs is zero.
+/// Marks the button that leads to the ramp settings when one that a move needs is zero. What is
+/// written while they are being read makes them be read again, not this begin again from within.
 void SynchronisedDriveTool::setRampLink()
 {
+    const bool isUnderWay = ui->btnShowPosition->property(drive::property::RampCheck).isValid();
+    ui->btnShowPosition->setProperty(drive::property::RampCheck, true);
+    if (isUnderWay)
+        return;
     QStringList m0Zeros;
     QStringList m1Zeros;
-    const bool isRead = listZeroVelocity(m0VmaxRegister, QStringLiteral("M0_VMAX"), m0Zeros) &&
-                        listZeroVelocity(m1VmaxRegister, QStringLiteral("M1_VMAX"), m1Zeros) &&
-                        listZeroRampSettings(m0Prefix, m0Zeros) &&
-                        listZeroRampSettings(m1Prefix, m1Zeros);
-    if (!isRead)
-        return;
+    for (int reads = 0; reads < mostRampReads &&
+                        ui->btnShowPosition->property(drive::property::RampCheck).toBool();
+         ++reads) {
+        ui->btnShowPosition->setProperty(drive::property::RampCheck, false);
+        if (!listZeroSettings(m0Zeros, m1Zeros))
+            return;
+    }
+    ui->btnShowPosition->setProperty(drive::property::RampCheck, QVariant());
+    markRampLink(m0Zeros, m1Zeros);
+}
 
+/// False when the tool is gone.
+bool SynchronisedDriveTool::listZeroSettings(QStringList &m0Zeros, QStringList &m1Zeros)
+{
+    m0Zeros.clear();
+    m1Zeros.clear();
+    return listZeroVelocity(m0VmaxRegister, QStringLiteral("M0_VMAX"), m0Zeros) &&
+           listZeroVelocity(m1VmaxRegister, QStringLiteral("M1_VMAX"), m1Zeros) &&
+           listZeroRampSettings(m0Prefix, m0Zeros) && listZeroRampSettings(m1Prefix, m1Zeros);
+}
+
+void SynchronisedDriveTool::markRampLink(const QStringList &m0Zeros, const QStringList &m1Zeros)
+{
     ui->btnShowPosition->setStyleSheet(QString());
     ui->btnShowPosition->setDescription(QString());
     ui->btnShowPosition->setToolTip(QString());
@@ -55,8 +80,9 @@ bool SynchronisedDriveTool::listZeroVelocity(XmlValueRegister *reg, const QStrin
     return true;
 }
 
-/// Lists the accelerations of one axis that are zero, those of the two stages only where the stage
-/// is in use. The stages' decelerations do not count. False when the tool is gone.
+/// Lists the settings of one axis that are zero: AMAX and DMAX, and the accelerations of the two
+/// stages where the stage is in use. The stages' decelerations do not count. False when the tool is
+/// gone.
 bool SynchronisedDriveTool::listZeroRampSettings(const QString &prefix, QStringList &zeros)
 {
     const QPointer<SynchronisedDriveTool> self(this);

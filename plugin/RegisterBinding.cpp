@@ -169,7 +169,10 @@ void SynchronisedDriveTool::targetWidgetChanged(int axis, int value)
     if (targetSeries) {
         QPointF point = target();
         (axis == 0 ? point.rx() : point.ry()) = value;
+        const QPointer<SynchronisedDriveTool> self(this);
         targetSeries->replace(0, point);
+        if (!self)
+            return;
     }
     const QPointer<XmlRegisterWidget> &widget = axis == 0 ? m0XtargetWidget : m1XtargetWidget;
     if (widget)
@@ -181,19 +184,19 @@ unsigned char SynchronisedDriveTool::motorByte()
     return static_cast<unsigned char>(motorNumber() & 0xFF);
 }
 
-/// The value of the chip's register of that name; 0 when the chip has none or the read fails.
+/// The value of the chip's register of that name, 0 when it has none; of a read that fails,
+/// whatever the host makes of a 0. A chip that the module has exchanged is gone.
 int SynchronisedDriveTool::getRegisterValue(const QString &name)
 {
     int value = 0;
-    const bool hasChip = icProduct && module();
+    const bool hasChip = icProduct && module() && module()->getIcProduct(motorByte()) == icProduct;
     XmlValueRegister *reg = hasChip ? icProduct->getRegisterByName(name, true) : nullptr;
     if (reg)
         readRegister(reg, motorByte(), &value);
     return value;
 }
 
-// A request blocks, and a host may handle events meanwhile, the tool's deletion among them. So each
-// of these says whether the tool is still there; the request's own result is not looked at.
+// A request blocks, and a host may handle events meanwhile, the tool's deletion among them.
 
 bool SynchronisedDriveTool::readRegister(XmlValueRegister *reg, unsigned char motor, int *value)
 {

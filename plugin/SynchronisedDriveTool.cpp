@@ -59,22 +59,35 @@ ToolsInterface *SynchronisedDriveTool::clone(QString name, unsigned char motor,
 
 void SynchronisedDriveTool::showPlugin()
 {
-    if (!ui)
+    if (!isComplete())
         return;
     const QPointer<SynchronisedDriveTool> self(this);
+    chartView->setProperty(drive::property::Showing, true);
     timerEvent(nullptr);
     if (self)
         initExternTools();
     if (self)
         setRampLink();
-    if (self)
-        updateTimer.start(drive::idleUpdatePeriodMs, Qt::PreciseTimer, this);
+    // A host that handles events while it waits for the module may have hidden the tool again.
+    if (!self || !chartView->property(drive::property::Showing).toBool())
+        return;
+    chartView->setProperty(drive::property::Showing, QVariant());
+    updateTimer.start(drive::idleUpdatePeriodMs, Qt::PreciseTimer, this);
 }
 
 void SynchronisedDriveTool::hidePlugin()
 {
     // A move that runs goes on being sampled, and is drawn when the tool is shown again.
     updateTimer.stop();
+    if (chartView && chartView->property(drive::property::Showing).isValid())
+        chartView->setProperty(drive::property::Showing, QVariant());
+}
+
+/// A prototype never is, and a tool not while it is being made: whatever the host calls then finds
+/// no chart.
+bool SynchronisedDriveTool::isComplete() const
+{
+    return traceSeries;
 }
 
 void SynchronisedDriveTool::initPanel()

@@ -67,7 +67,9 @@ private slots:
     void on_btnShowPosition_clicked();
 
 private:
-    // Set-up, in the constructor's order.
+    bool isComplete() const;
+
+    // Set-up, in the constructor's order, and what its steps are made of.
     void initPanel();
     void initChip();
     void initXmlRegister();
@@ -92,7 +94,8 @@ private:
     void watchWrites();
     void registerWritten(unsigned short address);
 
-    // The module.
+    // The module. A request tells whether the tool is still there behind it, and nothing of how it
+    // went, which is not looked at.
     unsigned char motorByte();
     int getRegisterValue(const QString &name);
     bool readRegister(XmlValueRegister *reg, unsigned char motor, int *value);
@@ -104,6 +107,8 @@ private:
     // Sibling tools and the ramp check.
     void linkSibling(ToolsInterface *sibling, const QString &key);
     void setRampLink();
+    bool listZeroSettings(QStringList &m0Zeros, QStringList &m1Zeros);
+    void markRampLink(const QStringList &m0Zeros, const QStringList &m1Zeros);
     bool listZeroVelocity(XmlValueRegister *reg, const QString &name, QStringList &zeros);
     bool listZeroRampSettings(const QString &prefix, QStringList &zeros);
 

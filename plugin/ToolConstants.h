@@ -3,7 +3,8 @@
 /// Names and numbers that several source files of the tool share.
 namespace drive {
 
-/// Dynamic properties in which the tool keeps small pieces of state on its widgets and series.
+/// Dynamic properties in which the tool keeps small pieces of state on its widgets and series,
+/// where a host, and whoever looks for a fault in one, can see them.
 namespace property {
 /// On the target series, bool: the target has changed and is not yet written to the chip.
 constexpr const char *NewTarget = "NewPt";
@@ -13,6 +14,12 @@ constexpr const char *RunFlightPath = "RunFp";
 constexpr const char *EndCheck = "EndCheck";
 /// On the stop button, bool: pressed since the start button was.
 constexpr const char *StopPressed = "StopPressed";
+/// On the chart view, bool: the host is showing the tool, and has not hidden it meanwhile. Absent
+/// when it is doing neither.
+constexpr const char *Showing = "Showing";
+/// On the position mode's button while the ramp settings are being read, bool: they have changed
+/// meanwhile. Absent otherwise.
+constexpr const char *RampCheck = "RampCheck";
 /// On a zoom button while a wheel turn clicks it, QPoint: where the wheel was turned.
 constexpr const char *ZoomPoint = "ZoomPt";
 /// On the register browser's button, list of unsigned: the addresses of all bound registers.
@@ -40,6 +47,7 @@ constexpr int minimumSpan = 2 * gridStep;
 /// A zoom moves the view only when it would move by more than this, in position units per axis.
 constexpr int zoomShiftThreshold = 128;
 
+/// Sampled positions kept, to draw the trace anew for another scale.
 constexpr int historyCapacity = 100000;
 
 /// RAMPMODE: each axis for itself, and both linked into one straight move.

@@ -64,11 +64,12 @@ private:
     int imageScale = 1;
     QPainter::RenderHints imageHints;
     std::optional<drive::PixelMap> imageMap; ///< Nothing: the image is of no use any more.
-    bool isAnnouncing = false;
-    int drawn = 0; ///< Points that the image holds, from the first on.
-    QRegion stale; ///< Parts of the image that are out of date.
+    int drawn = 0;                           ///< Points that the image holds, from the first on.
+    QRegion stale;                           ///< Parts of the image that are out of date.
 
     QVector<Box> boxes;
-    int boxed = 0;   ///< Points that the boxes hold, those counted next included.
+    int boxed = 0;   ///< Points of the series that the boxes hold, from the first on.
     int unboxed = 0; ///< Points of the first box that are in the series no more.
+
+    bool isAnnouncing = false;
 };

@@ -62,12 +62,13 @@ public:
         builder.addField(reg, info);
     }
 
-    QWidget *makeTool()
+    QWidget *makeTool(unsigned char motor = 0, unsigned char motorOfTheChip = 0)
     {
         const QString key = QStringLiteral("own module/");
+        tool.reset();
         module = std::make_unique<HostModule>(QStringLiteral("module"), key, &link);
-        module->setProduct(0, builder.take());
-        tool.reset(toolPrototype()->clone(QStringLiteral("own tool"), 0, module.get()));
+        module->setProduct(motorOfTheChip, builder.take());
+        tool.reset(toolPrototype()->clone(QStringLiteral("own tool"), motor, module.get()));
         return tool.get();
     }
 

@@ -45,6 +45,8 @@ private slots:
     void cleanup();
     void aButtonCentresOnTheActualPosition();
     void aButtonZoomsByTwo();
+    void theUpperLimitIsMovedBeforeTheLowerOne_data();
+    void theUpperLimitIsMovedBeforeTheLowerOne();
     void smallShiftsAreNotMade_data();
     void smallShiftsAreNotMade();
     void zoomingIsBoundedOnBothSides();
@@ -89,6 +91,26 @@ void ChartZoomTest::aButtonZoomsByTwo()
     QTest::mouseClick(bench.out(), Qt::LeftButton);
     QTest::mouseClick(bench.out(), Qt::LeftButton);
     QCOMPARE(bench.limits(), QStringLiteral("-8192 8192 -16384 16384"));
+}
+
+void ChartZoomTest::theUpperLimitIsMovedBeforeTheLowerOne_data()
+{
+    QTest::addColumn<QPoint>("position");
+    QTest::addColumn<QString>("limits");
+    // It comes no lower than the lower limit lets it, which has not moved yet.
+    QTest::newRow("left") << QPoint(-8000, 0) << QStringLiteral("-8448 256 -256 256");
+    QTest::newRow("down") << QPoint(0, -8000) << QStringLiteral("-256 256 -8448 256");
+}
+
+void ChartZoomTest::theUpperLimitIsMovedBeforeTheLowerOne()
+{
+    QFETCH(QPoint, position);
+    QFETCH(QString, limits);
+    ZoomBench bench(-8192, 8192, -8192, 8192);
+    bench.standAt(position.x(), position.y());
+    bench.setLimits(-256, 256, -256, 256);
+    bench.in()->click();
+    QCOMPARE(bench.limits(), limits);
 }
 
 void ChartZoomTest::smallShiftsAreNotMade_data()

@@ -36,6 +36,7 @@ class ToolDrawingTest : public QObject
     Q_OBJECT
 
 private slots:
+    void aLongHiddenMoveIsDrawnWithItsNewestPoints();
     void initTestCase() { silenceHeadlessPlatform(); }
     void samplesAreDrawnTogether();
     void pointsOnTheSamePixelAreDrawnOnce();
@@ -287,6 +288,30 @@ void ToolDrawingTest::aPlotOfHardlyAnySizeIsSurvived()
     bench.updateTick();
     QCOMPARE(bench.axisX()->max(), double(bench.widget<QSpinBox>("spM0max")->value()));
     QVERIFY(bench.trace()->count() >= 1);
+}
+
+/// Hidden, it draws nothing for as long as the axes tremble, and keeps no more than it may draw.
+void ToolDrawingTest::aLongHiddenMoveIsDrawnWithItsNewestPoints()
+{
+    constexpr int samples = 250000;
+    PollBench bench;
+    bench.makeWide();
+    bench.widget<QSpinBox>("spTraces")->setValue(100000);
+    bench.setTarget({4000, 4000});
+    bench.start();
+    bench.tool()->hidePlugin();
+    // Each a pixel or more from the one before it.
+    const auto positionOf = [](int sample) { return QPoint(sample % 2 * 8000 - 4000, sample % 9); };
+    for (int i = 0; i < samples; ++i)
+        bench.sample(positionOf(i).x(), positionOf(i).y());
+    bench.tool()->showPlugin();
+    bench.updateTick();
+    const QPoint newest = positionOf(samples - 1);
+    QCOMPARE(bench.actual()->at(0), QPointF(newest));
+    const QVector<QPointF> drawn = bench.trace()->pointsVector();
+    QVERIFY(drawn.size() > 90000 && drawn.size() <= 100000);
+    for (int i = 0; i < 90000; ++i)
+        QCOMPARE(drawn.at(drawn.size() - 1 - i), QPointF(positionOf(samples - 1 - i)));
 }
 
 QTEST_MAIN(ToolDrawingTest)

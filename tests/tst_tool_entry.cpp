@@ -1,11 +1,13 @@
 #include "HeadlessPlatform.h"
 #include "ToolBench.h"
 
+#include "DebugCategories.h"
 #include "ToolDetails.h"
 
 #include <QCborMap>
 #include <QJsonObject>
 #include <QLibrary>
+#include <QLoggingCategory>
 #include <QMetaMethod>
 #include <QPluginLoader>
 #include <QTest>
@@ -124,7 +126,10 @@ void ToolEntryTest::prototypeIsQuiet()
     ToolsInterface *prototype = toolPrototype();
     prototype->showPlugin();
     callEverySlot(prototype);
+    const QString category = QString::fromLatin1(debLowLevel().categoryName());
+    QLoggingCategory::setFilterRules(category + QLatin1String(".debug=true"));
     prototype->siblingIsVisible(QString(), false);
+    QLoggingCategory::setFilterRules(QString());
     QWheelEvent wheel = wheelTurn(-120);
     QCoreApplication::sendEvent(prototype, &wheel);
     QTest::keyPress(prototype, Qt::Key_Control, Qt::ControlModifier);

@@ -180,6 +180,9 @@ void ToolLimitsTest::aLimitTypedKeyByKeySnapsToTheGrid_data()
     QTest::newRow("1000 below") << QByteArray("spM0min") << QStringLiteral("1000") << 768;
     QTest::newRow("1000 above") << QByteArray("spM0max") << QStringLiteral("1000") << 1024;
     QTest::newRow("-10 above") << QByteArray("spM0max") << QStringLiteral("-10") << 256;
+    QTest::newRow("axis 1, 1000 below") << QByteArray("spM1min") << QStringLiteral("1000") << 768;
+    QTest::newRow("axis 1, -3000 above")
+        << QByteArray("spM1max") << QStringLiteral("-3000") << -2560;
 }
 
 void ToolLimitsTest::aLimitTypedKeyByKeySnapsToTheGrid()

@@ -1,6 +1,7 @@
 #include "EventWatch.h"
 #include "HeadlessPlatform.h"
 #include "RampBench.h"
+#include "RegisterBench.h"
 
 #include "XmlProductIC.h"
 #include "XmlValueRegister.h"
@@ -27,6 +28,7 @@ private slots:
     void missingRegistersCountAsZero();
     void registersThatAreGoneCountAsZero_data();
     void registersThatAreGoneCountAsZero();
+    void hiddenRegistersCountAsZero();
     void failedReadsCountAsZero();
     void toolWithoutChipListsWhatAMoveNeeds_data();
     void toolWithoutChipListsWhatAMoveNeeds();
@@ -238,6 +240,21 @@ void ToolRampLinkTest::registersThatAreGoneCountAsZero()
     QVERIFY(bench.check().filter(name).isEmpty());
     QCOMPARE(bench.isUnmarked(), !alsoUnread.isEmpty());
     QCOMPARE(bench.button->toolTip().endsWith(name), alsoUnread.isEmpty());
+}
+
+void ToolRampLinkTest::hiddenRegistersCountAsZero()
+{
+    OwnChip chip;
+    chip.add(2, "M0_VMAX");
+    chip.add(4, "M0_AMAX", false);
+    chip.add(5, "M0_DMAX");
+    for (const unsigned int address : {2u, 4u, 5u})
+        chip.link.values.insert(address, 1000);
+    QWidget *tool = chip.makeTool();
+    chip.tool->showPlugin();
+    const auto *button = tool->findChild<QCommandLinkButton *>(QStringLiteral("btnShowPosition"));
+    QCOMPARE(button->toolTip(), toolTipFor({QStringLiteral("M0_AMAX")},
+                                           words(QStringLiteral("M1_VMAX M1_AMAX M1_DMAX"))));
 }
 
 void ToolRampLinkTest::failedReadsCountAsZero()

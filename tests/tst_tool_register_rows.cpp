@@ -18,6 +18,11 @@ QString actualText(const ToolBench &bench, const QString &row)
     return bench.tool()->findChild<QLabel *>(row + QLatin1String("_actual"))->text();
 }
 
+const QSpinBox *inputOf(const ToolBench &bench, const QString &row)
+{
+    return bench.tool()->findChild<QSpinBox *>(row + QLatin1String("_input"));
+}
+
 QString frenchText(int value)
 {
     return QLocale(QLocale::French, QLocale::France).toString(value);
@@ -140,6 +145,8 @@ void ToolRegisterRowsTest::changedTargetRowMovesTheMarker()
     QCOMPARE(bench.target()->count(), 1);
     QCOMPARE(bench.target()->at(0), axis == 0 ? QPointF(value, 80) : QPointF(70, value));
     QCOMPARE(actualText(bench, name), frenchText(value));
+    const auto *input = inputOf(bench, name);
+    QCOMPARE(input->value(), qBound(input->minimum(), value, input->maximum()));
     QCOMPARE(actualText(bench, other), otherText);
     // It is on the chip already, so it is not sent.
     QVERIFY(!bench.target()->property("NewPt").toBool());

@@ -71,6 +71,8 @@ private slots:
     void bindingSendsNothing();
     void toolWithoutChipHasNoRowsAndNoLists();
     void bindingIsMadeOnce();
+    void chipIsThatOfTheMotor_data();
+    void chipIsThatOfTheMotor();
 };
 
 void ToolRegistersTest::boundRegistersAreListedAscending()
@@ -234,6 +236,29 @@ void ToolRegistersTest::bindingIsMadeOnce()
     bench.tool()->showPlugin();
     QCOMPARE(registerListOf(bench), list);
     QCOMPARE(rowsOf(bench), rowNames);
+}
+
+void ToolRegistersTest::chipIsThatOfTheMotor_data()
+{
+    QTest::addColumn<int>("motor");
+    QTest::addColumn<int>("motorOfTheChip");
+
+    QTest::newRow("first") << 0 << 0;
+    QTest::newRow("sixth") << 5 << 5;
+    QTest::newRow("last") << 255 << 255;
+    QTest::newRow("chip of the first motor alone") << 5 << 0;
+    QTest::newRow("chip of another motor alone") << 0 << 5;
+}
+
+void ToolRegistersTest::chipIsThatOfTheMotor()
+{
+    QFETCH(int, motor);
+    QFETCH(int, motorOfTheChip);
+    OwnChip chip;
+    chip.add(3, "RAMPMODE");
+    chip.makeTool(static_cast<unsigned char>(motor), static_cast<unsigned char>(motorOfTheChip));
+    QCOMPARE(chip.list("btnShowRegister", "RegList"),
+             motor == motorOfTheChip ? QVariantList{3u} : QVariantList());
 }
 
 QTEST_MAIN(ToolRegistersTest)

@@ -51,8 +51,6 @@ void ToolSetupTest::cloneKeepsNameMotorAndModule()
     QCOMPARE(details.className, QStringLiteral("SynchronisedDriveTool"));
     QCOMPARE(static_cast<int>(details.type), 101);
     QCOMPARE(details.iconPath, QStringLiteral(":/Software-Icons/Data"));
-    // The chip is asked for that motor.
-    QVERIFY(bench.registerWidget("M0_XACTUAL"));
 }
 
 void ToolSetupTest::newToolIsIdleAndTitled()
@@ -87,28 +85,32 @@ void ToolSetupTest::newToolForcesFrenchNumbers()
 void ToolSetupTest::setUpKeepsItsOrder()
 {
     QLocale::setDefault(QLocale::c());
-    const QSet<QByteArray> known{"dpWindowFlags", "dpNoAnimate", "RegList", "RampList", "Tool"};
+    const QSet<QByteArray> known{"dpWindowFlags", "dpNoAnimate", "RegList",
+                                 "RampList",      "Tool",        "RunFp"};
     QStringList steps;
+    const auto chartOf = [](QWidget *tool) {
+        return tool->findChild<QtCharts::QChartView *>()->chart();
+    };
     const auto follow = [&](QSpinBox *limit) {
-        connect(limit, QOverload<int>::of(&QSpinBox::valueChanged), this, [&steps, limit](int now) {
+        connect(limit, QOverload<int>::of(&QSpinBox::valueChanged), this, [&, limit](int now) {
             steps << QStringLiteral("%1 %2").arg(limit->objectName()).arg(now);
+            QCOMPARE(chartOf(limit->window())->series().size(), 3);
         });
     };
     const auto look = [&](QWidget *tool, const QByteArray &property) {
         const bool isTitled = qobject_cast<ToolsInterface *>(tool)->toolsName(false) == toolTitle;
         QCOMPARE(isTitled, property != "locale");
-        const auto charts = tool->findChildren<QtCharts::QChartView *>();
-        QCOMPARE(charts.size(), property == "Tool" ? 1 : 0);
+        const bool hasChart = property == "Tool" || property == "RunFp";
+        QCOMPARE(tool->findChildren<QtCharts::QChartView *>().size(), hasChart ? 1 : 0);
         if (property == "locale")
             QCOMPARE(QLocale().language(), QLocale::French);
         if (property == "dpNoAnimate") {
             for (const char *name : {"spM0min", "spM0max", "spM1min", "spM1max"})
                 follow(tool->findChild<QSpinBox *>(QLatin1String(name)));
         }
-        if (property == "Tool") {
-            QCOMPARE(charts.at(0)->chart()->series().size(), 3);
+        if (hasChart) {
             // The axes do not drive the spin boxes yet.
-            const auto axes = charts.at(0)->chart()->axes(Qt::Horizontal);
+            const auto axes = chartOf(tool)->axes(Qt::Horizontal);
             auto *axis = qobject_cast<QtCharts::QValueAxis *>(axes.value(0));
             QCOMPARE(axis->max(), 256.0);
             axis->setMax(1024);
@@ -136,7 +138,8 @@ void ToolSetupTest::setUpKeepsItsOrder()
         // Each lower limit pushes the upper one to where it is wanted.
         QStringLiteral("spM0max 256"), QStringLiteral("spM0min -256"),
         QStringLiteral("spM1max 256"), QStringLiteral("spM1min -256"),
-        QStringLiteral("btnShowPosition Tool"), QStringLiteral("btnShowRegister Tool")};
+        QStringLiteral("btnShowPosition Tool"), QStringLiteral("btnShowRegister Tool"),
+        QStringLiteral("pbStart RunFp")};
     QCOMPARE(steps, expected);
 }
 

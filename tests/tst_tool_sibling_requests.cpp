@@ -21,6 +21,7 @@ private slots:
     void slotsCalledWithoutASenderAskForEmptyKeys();
     void toolDeletedWhileAskingIsSurvived_data();
     void toolDeletedWhileAskingIsSurvived();
+    void buttonDeletedWhileAskingIsSurvived();
 };
 
 void ToolSiblingRequestsTest::browserIsOpenedAndSentTheList()
@@ -188,6 +189,20 @@ void ToolSiblingRequestsTest::toolDeletedWhileAskingIsSurvived()
     QCOMPARE(bench.requests.size(), 1);
     fireSingleShots();
     QVERIFY(browser.values.isEmpty());
+}
+
+void ToolSiblingRequestsTest::buttonDeletedWhileAskingIsSurvived()
+{
+    SiblingBench bench;
+    auto other = std::make_unique<QPushButton>();
+    other->setProperty("Key0", QStringLiteral("from 0"));
+    other->setProperty("Key1", QStringLiteral("from 1"));
+    connect(other.get(), SIGNAL(clicked()), bench.tool(), SLOT(on_btnShowPosition_clicked()));
+    connect(bench.tool(), &PluginInterface::signalDeviceTreeOperation, this,
+            [&other] { other.reset(); });
+    other->click();
+    QVERIFY(!other);
+    QCOMPARE(bench.requests, (QStringList{QStringLiteral("from 0"), QString()}));
 }
 
 QTEST_MAIN(ToolSiblingRequestsTest)

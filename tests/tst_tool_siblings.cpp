@@ -22,6 +22,29 @@ public:
     }
 };
 
+/// Another kind of plug-in that answers to the tools' interface.
+class OtherKind : public PluginInterface
+{
+public:
+    explicit OtherKind(const QString &key)
+        : PluginInterface(std::make_unique<PluginInterfacePrivate>(browserName, PluginKind::Module),
+                          nullptr)
+        , sibling(QStringLiteral("elsewhere"), browserName)
+    {
+        HostRegistry::add(this, key);
+    }
+
+    void *qt_metacast(const char *name) override
+    {
+        if (qstrcmp(name, qobject_interface_iid<ToolsInterface *>()) == 0)
+            return static_cast<ToolsInterface *>(&sibling);
+        return PluginInterface::qt_metacast(name);
+    }
+
+private:
+    Sibling sibling;
+};
+
 /// Collects the debug lines of the host's low-level category, which it switches on.
 class LowLevelLog
 {
@@ -175,6 +198,7 @@ void ToolSiblingsTest::oddPluginsAreSkipped()
 {
     SiblingBench bench;
     const NotATool notATool(bench.key("a"));
+    const OtherKind otherKind(bench.key("e"));
     // A base object does not answer to the interface's identifier.
     ToolsInterface bare(QStringLiteral("bare"), QStringLiteral("Bare"), ToolsType::PositionMode, 0,
                         nullptr, QString(), nullptr);

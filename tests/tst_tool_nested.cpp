@@ -1,0 +1,279 @@
+#include "EventWatch.h"
+#include "HeadlessPlatform.h"
+#include "PollBench.h"
+#include "RampBench.h"
+#include "RegisterBench.h"
+
+#include <QDynamicPropertyChangeEvent>
+#include <QPointer>
+#include <QTest>
+
+// A host may handle events while it waits for the module, and call the tool while it is busy.
+
+namespace {
+
+constexpr int requestsOfShow = 15; ///< one sample and fourteen ramp settings
+
+/// Runs an action once, in the n-th request of those to come.
+void actInRequest(ToolBench &bench, int number, const std::function<void()> &action)
+{
+    bench.link.calls.clear();
+    bench.link.onRequest = [&bench, number, action] {
+        if (bench.link.calls.size() != number + 1)
+            return;
+        // Out of what is thrown away with the handler.
+        const auto now = action;
+        bench.link.onRequest = nullptr;
+        now();
+    };
+}
+
+int readsIn(const QStringList &calls)
+{
+    return calls.filter(QStringLiteral("read")).size();
+}
+
+} // namespace
+
+class ToolNestedTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { silenceHeadlessPlatform(); }
+    void hideWithinShowHasTheLastWord_data();
+    void hideWithinShowHasTheLastWord();
+    void showAfterAHideWithinShowCounts();
+    void showWithinShowKeepsOneTimer();
+    void hideWithinTheLookForTheEndKeepsTheMove_data();
+    void hideWithinTheLookForTheEndKeepsTheMove();
+    void stopDrivesToOnePointWhateverIsDrawnMeanwhile();
+    void settingsWrittenWhileTheyAreReadAreReadAgain_data();
+    void settingsWrittenWhileTheyAreReadAreReadAgain();
+    void writesWithoutEndDoNotKeepTheCheckFromEnding();
+    void manyWritesWithinACheckMakeOneMore();
+    void checkWorksAgainAfterNestedOnes();
+    void exchangedChipIsGone();
+    void moduleThatGoesFirstIsNotUsed();
+    void callsWhileTheToolIsBeingMadeAreSurvived_data();
+    void callsWhileTheToolIsBeingMadeAreSurvived();
+};
+
+void ToolNestedTest::hideWithinShowHasTheLastWord_data()
+{
+    QTest::addColumn<int>("request");
+
+    QTest::newRow("in the sample") << 0;
+    QTest::newRow("in the first setting") << 1;
+    QTest::newRow("in the last setting") << requestsOfShow - 1;
+}
+
+void ToolNestedTest::hideWithinShowHasTheLastWord()
+{
+    QFETCH(int, request);
+    ToolBench bench;
+    actInRequest(bench, request, [&bench] { bench.tool()->hidePlugin(); });
+    bench.tool()->showPlugin();
+    QVERIFY(!bench.link.onRequest);
+    QVERIFY(bench.timerIntervals().isEmpty());
+    bench.tool()->showPlugin();
+    QCOMPARE(bench.timerIntervals(), QList<int>{100});
+}
+
+void ToolNestedTest::showAfterAHideWithinShowCounts()
+{
+    ToolBench bench;
+    actInRequest(bench, 3, [&bench] {
+        bench.tool()->hidePlugin();
+        bench.tool()->showPlugin();
+    });
+    bench.tool()->showPlugin();
+    QCOMPARE(bench.timerIntervals(), QList<int>{100});
+    bench.tool()->hidePlugin();
+    QVERIFY(bench.timerIntervals().isEmpty());
+}
+
+void ToolNestedTest::showWithinShowKeepsOneTimer()
+{
+    ToolBench bench;
+    actInRequest(bench, 3, [&bench] { bench.tool()->showPlugin(); });
+    bench.tool()->showPlugin();
+    QCOMPARE(bench.timerIntervals(), QList<int>{100});
+}
+
+void ToolNestedTest::hideWithinTheLookForTheEndKeepsTheMove_data()
+{
+    QTest::addColumn<int>("request");
+
+    QTest::newRow("in the first velocity") << 0;
+    QTest::newRow("in the second velocity") << 1;
+}
+
+/// A hidden tool neither ends a move nor drives on along a flight path.
+void ToolNestedTest::hideWithinTheLookForTheEndKeepsTheMove()
+{
+    QFETCH(int, request);
+    PollBench bench;
+    bench.makeWide();
+    bench.setTarget({300, 200});
+    bench.start();
+    bench.startButton()->setProperty("RunFp", 1);
+    bench.sample(300, 200);
+    bench.updateTick();
+    bench.takeCalls();
+    actInRequest(bench, request, [&bench] { bench.tool()->hidePlugin(); });
+    bench.updateTick();
+    QCOMPARE(bench.takeCalls().size(), 2);
+    QCOMPARE(bench.timerIntervals(), QList<int>{0});
+    QVERIFY(!bench.startButton()->isEnabled());
+    QCOMPARE(bench.flightIndex(), 1);
+    bench.tool()->showPlugin();
+    bench.updateTick();
+    bench.updateTick();
+    QCOMPARE(bench.flightIndex(), 2);
+}
+
+void ToolNestedTest::stopDrivesToOnePointWhateverIsDrawnMeanwhile()
+{
+    PollBench bench;
+    bench.makeWide();
+    bench.setTarget({300, 200});
+    bench.start();
+    bench.sample(100, 60);
+    bench.updateTick();
+    bench.sample(120, 80);
+    bench.takeCalls();
+    actInRequest(bench, 0, [&bench] { bench.updateTick(); });
+    bench.call("on_pbStop_clicked");
+    QCOMPARE(bench.actual()->at(0), QPointF(120, 80));
+    QCOMPARE(bench.takeWrites().mid(1).filter(QStringLiteral("XTARGET")).constLast(),
+             QStringLiteral("write M1_XTARGET m0 60"));
+}
+
+void ToolNestedTest::settingsWrittenWhileTheyAreReadAreReadAgain_data()
+{
+    QTest::addColumn<int>("before");
+    QTest::addColumn<int>("after");
+
+    QTest::newRow("to zero") << 1000 << 0;
+    QTest::newRow("from zero") << 0 << 1000;
+}
+
+void ToolNestedTest::settingsWrittenWhileTheyAreReadAreReadAgain()
+{
+    QFETCH(int, before);
+    QFETCH(int, after);
+    RampBench bench;
+    const QString name = QStringLiteral("M0_VMAX");
+    bench.setRegister(name, before);
+    actInRequest(bench, 5, [&] {
+        bench.setRegister(name, after);
+        bench.tellWritten(ToolBench::address(name));
+    });
+    bench.tool()->showPlugin();
+    QCOMPARE(bench.takeCalls().filter(QStringLiteral("read")), readsOfAll() + readsOfAll());
+    QVERIFY(after == 0 ? bench.isMarked({name}, {}) : bench.isUnmarked());
+}
+
+void ToolNestedTest::writesWithoutEndDoNotKeepTheCheckFromEnding()
+{
+    RampBench bench;
+    bench.link.onRequest = [&bench] {
+        bench.tellWritten(ToolBench::address(QStringLiteral("M0_D1")));
+    };
+    bench.setRegister(QStringLiteral("M1_AMAX"), 0);
+    bench.tool()->showPlugin();
+    QVERIFY(bench.isMarked({}, {QStringLiteral("M1_AMAX")}));
+    QVERIFY(readsIn(bench.takeCalls()) <= 2 * 3 * readsOfAll().size());
+    bench.link.onRequest = nullptr;
+}
+
+void ToolNestedTest::manyWritesWithinACheckMakeOneMore()
+{
+    RampBench bench;
+    actInRequest(bench, 2, [&bench] {
+        for (int i = 0; i < 200; ++i)
+            bench.tellWritten(ToolBench::address(QStringLiteral("M0_A1")));
+    });
+    bench.tellWritten(ToolBench::address(QStringLiteral("M0_A1")));
+    QCOMPARE(readsIn(bench.takeCalls()), 2 * readsOfAll().size());
+}
+
+void ToolNestedTest::checkWorksAgainAfterNestedOnes()
+{
+    RampBench bench;
+    actInRequest(bench, 2,
+                 [&bench] { bench.tellWritten(ToolBench::address(QStringLiteral("M0_A1"))); });
+    bench.check();
+    bench.setRegister(QStringLiteral("M0_AMAX"), 0);
+    QCOMPARE(bench.check(), readsOfAll());
+    QVERIFY(bench.isMarked({QStringLiteral("M0_AMAX")}, {}));
+}
+
+/// Nothing of a chip that the module has let go of is used, and the next one is not followed.
+void ToolNestedTest::exchangedChipIsGone()
+{
+    RampBench bench;
+    bench.check();
+    QVERIFY(bench.isUnmarked());
+    bench.module()->setProduct(0, ProductBuilder().take());
+    bench.module()->setProduct(1, ProductBuilder().take());
+    QVERIFY(bench.check().isEmpty());
+    QVERIFY(bench.isMarked(words(QStringLiteral("M0_VMAX M0_AMAX M0_DMAX")),
+                           words(QStringLiteral("M1_VMAX M1_AMAX M1_DMAX"))));
+    QVERIFY(bench.call("on_pbStart_clicked"));
+    QVERIFY(bench.call("on_pbStop_clicked"));
+    bench.updateTick();
+    QVERIFY(bench.takeWrites().isEmpty());
+}
+
+void ToolNestedTest::moduleThatGoesFirstIsNotUsed()
+{
+    OwnChip chip;
+    chip.add(2, "M0_VMAX");
+    chip.add(4, "M0_AMAX");
+    chip.makeTool();
+    chip.tool->showPlugin();
+    chip.link.takeCalls();
+    chip.module.reset();
+    chip.tool->showPlugin();
+    callEverySlot(chip.tool.get());
+    chip.tool->hidePlugin();
+    QVERIFY(chip.link.takeCalls().isEmpty());
+}
+
+void ToolNestedTest::callsWhileTheToolIsBeingMadeAreSurvived_data()
+{
+    QTest::addColumn<QByteArray>("property");
+
+    QTest::newRow("when it has its rows") << QByteArray("RegList");
+    QTest::newRow("when it knows its ramp settings") << QByteArray("RampList");
+}
+
+void ToolNestedTest::callsWhileTheToolIsBeingMadeAreSurvived()
+{
+    QFETCH(QByteArray, property);
+    bool isCalled = false;
+    EventWatch watch([&](QObject *receiver, QEvent *event) {
+        if (isCalled || event->type() != QEvent::DynamicPropertyChange ||
+            static_cast<QDynamicPropertyChangeEvent *>(event)->propertyName() != property)
+            return;
+        isCalled = true;
+        auto *panel = qobject_cast<QWidget *>(receiver);
+        while (!qobject_cast<ToolsInterface *>(panel))
+            panel = panel->parentWidget();
+        auto *tool = qobject_cast<ToolsInterface *>(panel);
+        callEverySlot(tool);
+        tool->showPlugin();
+        tool->hidePlugin();
+    });
+    ToolBench bench;
+    QVERIFY(isCalled);
+    bench.tool()->showPlugin();
+    bench.setTarget({10, 20});
+    bench.updateTick();
+    QCOMPARE(bench.registerValue(QStringLiteral("M0_XTARGET")), 10);
+}
+
+QTEST_MAIN(ToolNestedTest)
+#include "tst_tool_nested.moc"
