@@ -218,6 +218,7 @@ void Explorer::actOnModule(const Event &event)
         const int value = choice.limit < 0 ? event.b % -choice.limit : qAbs(event.b) % choice.limit;
         bench.forgetStop();
         bench.writeFromElsewhere(choice.name, value);
+        bench.forgetStop();
     }
 }
 
@@ -311,6 +312,8 @@ void Explorer::editRow(const Event &event)
     QKeyEvent confirm(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
     if (guarded)
         QCoreApplication::sendEvent(input, &confirm);
+    // The row's own write reaches the module behind a stop that was pressed in the middle of it.
+    bench.forgetStop();
 }
 
 void Explorer::takePath(const Event &event)
