@@ -312,8 +312,10 @@ void Explorer::editRow(const Event &event)
     QKeyEvent confirm(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
     if (guarded)
         QCoreApplication::sendEvent(input, &confirm);
-    // The row's own write reaches the module behind a stop that was pressed in the middle of it.
+    // The row's own write reaches the module behind a stop that was pressed in the middle of it,
+    // and the marker follows only if it succeeds.
     bench.forgetStop();
+    bench.forgetWrittenTarget();
 }
 
 void Explorer::takePath(const Event &event)

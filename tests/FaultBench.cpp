@@ -161,8 +161,7 @@ void FaultBench::openTool()
     startButton()->installEventFilter(this);
     pathLength = 12;
     lastFlightIndex = flightIndex();
-    targetWrites[0].reset();
-    targetWrites[1].reset();
+    forgetWrittenTarget();
     forgetStop();
 }
 
@@ -363,10 +362,8 @@ void FaultBench::writeFromElsewhere(const char *name, int value)
     foreignWrite = address(name);
     module.hostModule().writeChannelRegister(reg, 0, value);
     foreignWrite.reset();
-    if (known.target[0] == address(name) || known.target[1] == address(name)) {
-        targetWrites[0].reset();
-        targetWrites[1].reset();
-    }
+    if (known.target[0] == address(name) || known.target[1] == address(name))
+        forgetWrittenTarget();
 }
 
 void FaultBench::repairRamps()
@@ -408,6 +405,12 @@ std::optional<QPoint> FaultBench::writtenTarget() const
     if (!targetWrites[0] || !targetWrites[1])
         return std::nullopt;
     return QPoint(*targetWrites[0], *targetWrites[1]);
+}
+
+void FaultBench::forgetWrittenTarget()
+{
+    targetWrites[0].reset();
+    targetWrites[1].reset();
 }
 
 QPoint FaultBench::asTarget(const QPointF &point)

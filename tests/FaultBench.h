@@ -141,9 +141,11 @@ public:
     /// Calls `action` in the n-th request from now, faults or not.
     void callInRequest(int number, const std::function<void()> &action);
 
-    /// What the tool wrote last to the target registers; nothing before both, and after a write
-    /// from elsewhere.
+    /// What was written last to the target registers, while the tool is the only one to write;
+    /// nothing before both.
     std::optional<QPoint> writtenTarget() const;
+    /// Somebody else has written, or tried to.
+    void forgetWrittenTarget();
     /// As a target register holds it, which has 24 bits.
     static QPoint asTarget(const QPointF &point);
 
