@@ -42,6 +42,9 @@ public:
         QCOMPARE(file.write(bytes), qint64(bytes.size()));
     }
 
+    /// Another program, with its arguments, that starts the one under test; empty for none.
+    QStringList starter;
+
     std::unique_ptr<QProcess> start(const QStringList &arguments) const
     {
         auto process = std::make_unique<QProcess>();
@@ -49,7 +52,9 @@ public:
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
         process->setProcessEnvironment(environment);
         process->setWorkingDirectory(folder.path());
-        process->start(QStringLiteral(WORKBENCH_PROGRAM), arguments);
+        const QStringList command =
+            starter + QStringList{QStringLiteral(WORKBENCH_PROGRAM)} + arguments;
+        process->start(command.constFirst(), command.mid(1));
         return process;
     }
 

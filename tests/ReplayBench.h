@@ -9,6 +9,8 @@
 #include <QTimerEvent>
 #include <QToolButton>
 
+#include <functional>
+
 /// The tool out of the built module on the simulated module, on a stepped clock that its requests
 /// move on. Time passes in turns: one sample tick each while a move runs, and an update tick when
 /// that is due.
@@ -46,15 +48,23 @@ public:
         QMetaObject::invokeMethod(tool, "on_pbStart_clicked");
     }
 
+    void stop() { QMetaObject::invokeMethod(tool, "on_pbStop_clicked"); }
+
     bool isMoving() const { return !startButton()->isEnabled(); }
 
     /// Lets time go on until the move ends; false when that takes more than `limitMs`. Each turn
     /// takes `pauseNs` and what its request takes.
     bool finishMove(qint64 pauseNs = 0, int limitMs = 60000)
     {
+        return goOn([this] { return !isMoving(); }, pauseNs, limitMs);
+    }
+
+    /// As finishMove(), until `isOver`.
+    bool goOn(const std::function<bool()> &isOver, qint64 pauseNs = 0, int limitMs = 60000)
+    {
         const qint64 limit = clock.now() + limitMs * msInNs;
         qint64 nextUpdate = clock.now() + updatePeriodNs;
-        while (isMoving() && clock.now() < limit) {
+        while (!isOver() && clock.now() < limit) {
             clock.advance(pauseNs);
             const qint64 before = clock.now();
             deliver(0);
@@ -66,11 +76,12 @@ public:
                 deliver(50);
             }
         }
-        return !isMoving();
+        return isOver();
     }
 
     QVector<QPointF> trace() const { return points(2); }
     QPointF shownPosition() const { return points(1).value(0); }
+    QPointF shownTarget() const { return points(0).value(0); }
 
     QToolButton *startButton() const
     {

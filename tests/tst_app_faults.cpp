@@ -135,8 +135,8 @@ void AppFaultsTest::wrongOptionsAreRefused_data()
         "--seed: \"4294967296\" is not a whole number from 0 to 4294967295");
     row("tape without a name", "--tape=", "--tape needs a name");
     row("replay without a name", "--replay=", "--replay needs a name");
-    row("replay of an unattended run", "--unattended --replay a.tape",
-        "--replay and --unattended do not go together");
+    row("replay on a link of another speed", "--replay a.tape --link-cost 100",
+        "--replay and --link-cost do not go together");
 }
 
 void AppFaultsTest::wrongOptionsAreRefused()

@@ -25,6 +25,15 @@ QStringList errorLines(QProcess &process)
         .filter(QRegularExpression(QStringLiteral("^(workbench: |[^ ]+\\.tape:\\d+: )")));
 }
 
+/// Whether the program, started and no longer a copy of this one, has a handler for the signal.
+bool catches(const QProcess &process, int number)
+{
+    const QByteArray status = contents(QStringLiteral("/proc/%1/status").arg(process.processId()));
+    const QByteArray mask = status.mid(status.indexOf("SigCgt:") + 7).trimmed().left(16);
+    return status.startsWith("Name:\tworkbench\n") &&
+           (mask.toULongLong(nullptr, 16) >> (number - 1) & 1) != 0;
+}
+
 } // namespace
 
 class AppTapesTest : public QObject
@@ -37,11 +46,13 @@ private slots:
     void tapeIsInTheFileOnceFinished();
     void abandonedTapeLeavesAnExistingFileAlone();
     void tapeOnAFullDiskIsRefused();
+    void fullTapeIsWarnedOfOnceAndKept();
     void withoutANameNothingIsRecorded();
 
     void runIsRecorded();
     void runThatFailsIsRecordedToo();
     void interruptedRunIsRecordedToo();
+    void interruptedWindowIsRecordedToo();
     void tapeThatCannotBeWrittenIsRefused_data();
     void tapeThatCannotBeWrittenIsRefused();
     void tapeThatCannotBeReadIsRefused_data();
@@ -120,6 +131,39 @@ void AppTapesTest::tapeOnAFullDiskIsRefused()
     QCOMPARE(bench->files(), QStringList{QStringLiteral("a.tape")});
 }
 
+void AppTapesTest::fullTapeIsWarnedOfOnceAndKept()
+{
+    static int warnings;
+    warnings = 0;
+    const QtMessageHandler before =
+        qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &) {
+            warnings += type == QtWarningMsg;
+        });
+    const QString name = bench->filePath(QStringLiteral("a.tape"));
+    constexpr qint64 limit = 2048;
+    TapeRecorder recorder(device, clock);
+    TapeFile file(recorder);
+    QCOMPARE(file.begin(name, limit), QString());
+    int warningsBefore = -1;
+    for (int i = 0; i < 100; ++i) {
+        if (!recorder.isFull())
+            warningsBefore = warnings;
+        recorder.writeRegister(1, 0, i);
+    }
+    const QString fault = file.finish();
+    qInstallMessageHandler(before);
+    QCOMPARE(warningsBefore, 0);
+    QCOMPARE(warnings, 1);
+    const auto tape = readTapeFile(name);
+    QVERIFY(tape.has_value());
+    QVERIFY(tape->entries.size() > 10 && tape->entries.size() < 100);
+    QVERIFY(QFileInfo(name).size() <= limit);
+    QCOMPARE(fault, QStringLiteral("%1: the tape became full and lacks what came after its %2 "
+                                   "requests")
+                        .arg(name)
+                        .arg(tape->entries.size()));
+}
+
 void AppTapesTest::withoutANameNothingIsRecorded()
 {
     TapeRecorder recorder(device, clock);
@@ -181,6 +225,23 @@ void AppTapesTest::interruptedRunIsRecordedToo()
     const auto tape = readTapeFile(bench->filePath(QStringLiteral("a.tape")));
     QVERIFY(tape.has_value());
     QVERIFY(tape->entries.size() > 100);
+}
+
+void AppTapesTest::interruptedWindowIsRecordedToo()
+{
+    for (const int number : {SIGINT, SIGTERM}) {
+        const auto process =
+            bench->start({QStringLiteral("--tape"), QStringLiteral("window.tape")});
+        QTRY_VERIFY_WITH_TIMEOUT(catches(*process, number), ProgramBench::runTimeoutMs);
+        QCOMPARE(::kill(static_cast<pid_t>(process->processId()), number), 0);
+        QVERIFY(process->waitForFinished(ProgramBench::runTimeoutMs));
+        QCOMPARE(process->exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process->exitCode(), 0);
+        QCOMPARE(errorLines(*process), QStringList());
+        QCOMPARE(bench->files(), QStringList{QStringLiteral("window.tape")});
+        QVERIFY(readTapeFile(bench->filePath(QStringLiteral("window.tape"))).has_value());
+        QVERIFY(QFile::remove(bench->filePath(QStringLiteral("window.tape"))));
+    }
 }
 
 void AppTapesTest::tapeThatCannotBeWrittenIsRefused_data()

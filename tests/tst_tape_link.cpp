@@ -1,112 +1,8 @@
-#include "Clock.h"
-#include "PositionPacking.h"
-#include "TapeLink.h"
+#include "TapeBench.h"
 
-#include <QStringList>
 #include <QtTest>
 
 using namespace bench;
-
-namespace {
-
-constexpr qint64 msInNs = 1000000;
-constexpr unsigned int position0 = 0x10;
-constexpr unsigned int velocity0 = 0x11;
-constexpr unsigned int setting = 0x13;
-constexpr unsigned int target0 = 0x12;
-
-const AxisRegisters registers{{position0, 0x20}, {velocity0, 0x21}, {target0, 0x22}};
-
-/// A tape that is put together line by line; each request takes a millisecond.
-struct TapeMaker
-{
-    Tape tape;
-
-    TapeMaker &add(TapeEntry entry, int askedMs)
-    {
-        entry.askedNs = askedMs * msInNs;
-        entry.tookNs = msInNs;
-        entry.isAnswered = true;
-        tape.entries.append(entry);
-        return *this;
-    }
-
-    TapeMaker &read(int askedMs, unsigned int address, int value)
-    {
-        TapeEntry entry;
-        entry.address = address;
-        entry.value = value;
-        return add(entry, askedMs);
-    }
-
-    TapeMaker &write(int askedMs, unsigned int address, int value)
-    {
-        TapeEntry entry;
-        entry.kind = TapeEntry::Write;
-        entry.address = address;
-        entry.value = value;
-        return add(entry, askedMs);
-    }
-
-    TapeMaker &positions(int askedMs, int x, int y)
-    {
-        TapeEntry entry;
-        entry.kind = TapeEntry::UserFunction;
-        entry.address = bothPositionsFunction;
-        entry.b = 0x48;
-        const PositionReply reply = packPositions(x, y);
-        entry.replyA = reply.a;
-        entry.replyB = reply.b;
-        entry.reply = reply.value;
-        return add(entry, askedMs);
-    }
-
-    TapeMaker &failed()
-    {
-        tape.entries.last().isAnswered = false;
-        return *this;
-    }
-};
-
-/// A tape link on a stepped clock that writes down its deviations.
-struct Player
-{
-    explicit Player(const TapeMaker &maker)
-        : link(maker.tape, clock, registers)
-    {
-        link.onDeviation = [this](const QString &text) { deviations << text; };
-    }
-
-    void waitUntil(int ms) { clock.advance(ms * msInNs - clock.now()); }
-
-    QString read(unsigned int address)
-    {
-        int value = 4711;
-        if (link.readRegister(address, 0, &value))
-            return QString::number(value);
-        return value == 4711 ? QStringLiteral("failed") : QStringLiteral("failed, but changed");
-    }
-
-    QString positions()
-    {
-        PositionReply reply{1, 2, 3};
-        if (link.userFunction(&reply.a, &reply.b, bothPositionsFunction, 0, 0, &reply.value))
-            return QStringLiteral("%1,%2")
-                .arg(unpackPosition(reply, 0))
-                .arg(unpackPosition(reply, 1));
-        return reply.a == 1 && reply.b == 2 && reply.value == 3
-                   ? QStringLiteral("failed")
-                   : QStringLiteral("failed, but changed");
-    }
-
-    bool write(unsigned int address, int value) { return link.writeRegister(address, 0, value); }
-
-    SteppedClock clock;
-    TapeLink link;
-    QStringList deviations;
-};
-
-} // namespace
 
 class TestTapeLink : public QObject
 {
@@ -120,6 +16,7 @@ private slots:
     void positionsAreAnsweredByTime();
     void positionsGoOnFromTheWriteWheneverThatComes();
     void positionsWaitForTheNextWrite();
+    void earlyWritesSkipRestAndNoMovement();
     void velocitiesAreUnknownUntilRecordedInTheMove();
     void requestsTakeTheirTime();
     void failuresAreRepeated();
@@ -220,6 +117,27 @@ void TestTapeLink::positionsWaitForTheNextWrite()
     player.waitUntil(1000);
     QCOMPARE(player.positions(), QStringLiteral("1,1"));
     QVERIFY(!player.link.isAtEnd());
+}
+
+void TestTapeLink::earlyWritesSkipRestAndNoMovement()
+{
+    Player player(TapeMaker()
+                      .positions(0, 1, 1)
+                      .write(1000, target0, 5)
+                      .positions(1010, 2, 2)
+                      .positions(1020, 3, 3)
+                      .write(1030, setting, 1)
+                      .read(1040, velocity0, 0));
+    QVERIFY(player.write(target0, 5) && player.write(setting, 1));
+    QStringList seen;
+    for (int ms : {9, 10, 19, 20, 39}) {
+        player.waitUntil(ms);
+        seen << player.positions() + QLatin1Char(' ') + player.read(velocity0);
+    }
+    player.waitUntil(40);
+    seen << player.read(velocity0);
+    QCOMPARE(seen.join(QLatin1String("; ")),
+             QStringLiteral("1,1 failed; 2,2 failed; 2,2 failed; 3,3 failed; 3,3 failed; 0"));
 }
 
 void TestTapeLink::velocitiesAreUnknownUntilRecordedInTheMove()

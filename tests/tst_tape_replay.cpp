@@ -1,5 +1,6 @@
 #include "FaultyLink.h"
 #include "HeadlessPlatform.h"
+#include "PositionPacking.h"
 #include "ReplayBench.h"
 #include "TapeLink.h"
 #include "TapeReader.h"
@@ -19,6 +20,7 @@ struct Ending
 {
     QVector<QPointF> trace;
     QPointF position;
+    QPointF target;
     qint64 timeNs = 0;
     bool hasEnded = true;
     QString deviation;
@@ -39,7 +41,9 @@ Ending drive(ReplayBench &bench, const QVector<QPointF> &points, qint64 pauseNs)
     return ending;
 }
 
-QByteArray record(Ending *ending, const QString &faultText = QString())
+using Drive = std::function<Ending(ReplayBench &)>;
+
+QByteArray record(Ending *ending, const QString &faultText, const Drive &run)
 {
     ReplayBench bench;
     FaultyLink faulty(bench.module.link(), bench.clock, bench.registers());
@@ -50,18 +54,69 @@ QByteArray record(Ending *ending, const QString &faultText = QString())
     buffer.open(QIODevice::WriteOnly);
     recorder.start(&buffer);
     bench.begin(&recorder);
-    *ending = drive(bench, targets, 0);
+    *ending = run(bench);
     recorder.finish();
     return buffer.data();
 }
 
-Ending replay(QByteArray text, const QVector<QPointF> &points = targets, qint64 pauseNs = 0)
+QByteArray record(Ending *ending, const QString &faultText = QString())
+{
+    return record(ending, faultText, [](ReplayBench &bench) { return drive(bench, targets, 0); });
+}
+
+Tape parsed(QByteArray text)
 {
     QBuffer buffer(&text);
     buffer.open(QIODevice::ReadOnly);
-    const auto tape = readTape(&buffer, nullptr);
+    return readTape(&buffer, nullptr).value_or(Tape());
+}
+
+QVector<QPointF> positionsOn(const Tape &tape)
+{
+    QVector<QPointF> positions;
+    for (const TapeEntry &entry : tape.entries) {
+        const PositionReply reply{entry.replyA, entry.replyB, entry.reply};
+        if (entry.kind == TapeEntry::UserFunction)
+            positions.append(QPointF(unpackPosition(reply, 0), unpackPosition(reply, 1)));
+    }
+    return positions;
+}
+
+/// A move to 800,300 that is stopped when `isTimeToStop`, and what comes of it.
+Ending driveAndStop(ReplayBench &bench, const std::function<bool()> &isTimeToStop, qint64 pauseNs)
+{
+    Ending ending;
+    bench.moveTo(targets.constFirst());
+    ending.hasEnded = bench.goOn(isTimeToStop, pauseNs) && bench.isMoving();
+    bench.stop();
+    ending.hasEnded = bench.finishMove(pauseNs) && ending.hasEnded;
+    ending.trace = bench.trace();
+    ending.position = bench.shownPosition();
+    ending.target = bench.shownTarget();
+    ending.timeNs = bench.clock.now();
+    return ending;
+}
+
+/// Holds when more has been sampled since a position behind `x` was drawn.
+std::function<bool()> someTurnsBehind(const ReplayBench &bench, int x)
+{
+    return [&bench, x, turns = 0]() mutable {
+        turns += bench.shownPosition().x() > x;
+        return turns > 3;
+    };
+}
+
+QByteArray recordStop(Ending *ending)
+{
+    return record(ending, QString(), [](ReplayBench &bench) {
+        return driveAndStop(bench, someTurnsBehind(bench, 350), 0);
+    });
+}
+
+Ending replay(const QByteArray &text, const QVector<QPointF> &points = targets, qint64 pauseNs = 0)
+{
     ReplayBench bench;
-    TapeLink link(tape.value_or(Tape()), bench.clock, bench.registers());
+    TapeLink link(parsed(text), bench.clock, bench.registers());
     bench.begin(&link);
     Ending ending = drive(bench, points, pauseNs);
     ending.deviation = link.deviation();
@@ -82,6 +137,9 @@ private slots:
     void runIsRepeatedWithFewerSamples();
     void laterStartsDoNotMatter();
     void otherTargetsAreReported();
+    void stopIsRepeatedPointByPoint();
+    void stopIsRepeatedWithOtherSamples_data();
+    void stopIsRepeatedWithOtherSamples();
     void keptTapesArePlayed_data();
     void keptTapesArePlayed();
 };
@@ -138,13 +196,10 @@ void TestTapeReplay::runIsRepeatedWithFewerSamples()
 void TestTapeReplay::laterStartsDoNotMatter()
 {
     Ending recorded;
-    QByteArray text = record(&recorded);
-    QBuffer buffer(&text);
-    QVERIFY(buffer.open(QIODevice::ReadOnly));
-    const auto tape = readTape(&buffer, nullptr);
-    QVERIFY(tape.has_value());
+    const Tape tape = parsed(record(&recorded));
+    QVERIFY(!tape.entries.isEmpty());
     ReplayBench bench;
-    TapeLink link(*tape, bench.clock, bench.registers());
+    TapeLink link(tape, bench.clock, bench.registers());
     bench.begin(&link);
     for (const QPointF &point : targets) {
         bench.clock.advance(7777 * ReplayBench::msInNs);
@@ -163,6 +218,52 @@ void TestTapeReplay::otherTargetsAreReported()
     const QByteArray tape = record(&recorded);
     QCOMPARE(replay(tape, {{801, 300}}).deviation,
              QStringLiteral("write 0x12 m0 801, but the tape has write 0x12 m0 800 there"));
+}
+
+void TestTapeReplay::stopIsRepeatedPointByPoint()
+{
+    Ending recorded;
+    const Tape tape = parsed(recordStop(&recorded));
+    QVERIFY(recorded.hasEnded);
+    QCOMPARE(recorded.position, recorded.target);
+    ReplayBench bench;
+    TapeLink link(tape, bench.clock, bench.registers());
+    bench.begin(&link);
+    const Ending replayed = driveAndStop(bench, someTurnsBehind(bench, 350), 0);
+    QCOMPARE(link.deviation(), QString());
+    QVERIFY(replayed.hasEnded && link.isPlayed());
+    QCOMPARE(replayed.trace, recorded.trace);
+    QCOMPARE(replayed.target, recorded.target);
+    QCOMPARE(replayed.timeNs, recorded.timeNs);
+}
+
+void TestTapeReplay::stopIsRepeatedWithOtherSamples_data()
+{
+    QTest::addColumn<int>("pauseUs");
+    for (const int pause : {70, 130, 500, 3100, 7700, 24000})
+        QTest::newRow(qPrintable(QStringLiteral("%1 us more").arg(pause))) << pause;
+}
+
+/// The one who stops waits until the tape does and the panel shows where.
+void TestTapeReplay::stopIsRepeatedWithOtherSamples()
+{
+    QFETCH(int, pauseUs);
+    Ending recorded;
+    const Tape tape = parsed(recordStop(&recorded));
+    ReplayBench bench;
+    TapeLink link(tape, bench.clock, bench.registers());
+    bench.begin(&link);
+    const auto isTimeToStop = [&] {
+        return link.waitingNs() >= 0 && link.position() == bench.shownPosition().toPoint();
+    };
+    const Ending replayed = driveAndStop(bench, isTimeToStop, pauseUs * 1000);
+    QCOMPARE(link.deviation(), QString());
+    QVERIFY(replayed.hasEnded && link.isPlayed());
+    QCOMPARE(replayed.position, recorded.position);
+    QCOMPARE(replayed.target, recorded.target);
+    const QVector<QPointF> told = positionsOn(tape);
+    for (const QPointF &point : replayed.trace)
+        QVERIFY(told.contains(point));
 }
 
 void TestTapeReplay::keptTapesArePlayed_data()

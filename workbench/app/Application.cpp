@@ -1,21 +1,29 @@
 #include "Application.h"
 
+#include "AxesState.h"
 #include "ChipDescriptionReader.h"
 #include "CommandLine.h"
+#include "EventWait.h"
+#include "PanelDriver.h"
 #include "RunReport.h"
 #include "StopSignal.h"
 #include "TapeFile.h"
 #include "UnattendedSession.h"
 #include "Workbench.h"
 
+#include "ToolsInterface.h"
+
 #include <QApplication>
 #include <QFile>
+#include <QPointer>
 
 #include <cstdio>
 
 namespace bench {
 
 namespace {
+
+constexpr qint64 haltTimeoutMs = 30000;
 
 CommandLine readCommandLine(int &argc, char *argv[])
 {
@@ -49,6 +57,27 @@ void chooseScreen(bool isUnattended)
         qputenv("QT_QPA_PLATFORM", "offscreen");
 }
 
+/// Ends a move through the panel, so that its stop and its end are on the tape too; there is
+/// nothing to stop on a tape that is played.
+void haltAxes(Workbench &workbench)
+{
+    ToolsInterface *const tool = workbench.driveTool();
+    if (!tool || workbench.tape())
+        return;
+    PanelDriver panel(tool);
+    if (!panel.isMoving() || !panel.pressStop())
+        return;
+    // Somebody who closes the window meanwhile does not want to wait.
+    EventWait wait;
+    QApplication::setQuitOnLastWindowClosed(false);
+    QObject::connect(qApp, &QGuiApplication::lastWindowClosed, &wait, &EventWait::interrupt);
+    const AxesState axes(workbench.module(), nullptr);
+    // A panel that is not on screen does not look for the end.
+    const auto isVisible = [tool = QPointer<QWidget>(tool)] { return tool && tool->isVisible(); };
+    wait.until([&] { return axes.areAtRest() && !(isVisible() && panel.isMoving()); },
+               haltTimeoutMs);
+}
+
 int runInWindow(const Options &options, const ChipDescription &chip,
                 const std::optional<Tape> &replay)
 {
@@ -57,10 +86,13 @@ int runInWindow(const Options &options, const ChipDescription &chip,
     std::optional<StopSignal> stopSignal;
     if (!options.tapeFile.isEmpty()) {
         stopSignal.emplace();
-        QObject::connect(&*stopSignal, &StopSignal::stopRequested, qApp, &QCoreApplication::quit);
+        QObject::connect(&*stopSignal, &StopSignal::stopRequested, qApp, [&workbench] {
+            haltAxes(workbench);
+            QCoreApplication::quit();
+        });
     }
     TapeFile tape(workbench.tapeRecorder());
-    QString fault = tape.begin(options.tapeFile);
+    QString fault = tape.begin(options.tapeFile, options.tapeSizeLimit);
     if (fault.isEmpty()) {
         workbench.window().rememberLayout();
         workbench.show();
@@ -104,7 +136,7 @@ int runApplication(int argc, char *argv[])
     const QApplication application(argc, argv);
     QApplication::setApplicationDisplayName(QStringLiteral("Workbench"));
     QApplication::setApplicationVersion(QStringLiteral(WORKBENCH_VERSION));
-    return commandLine.options.isUnattended ? runUnattended(commandLine.options, *chip)
+    return commandLine.options.isUnattended ? runUnattended(commandLine.options, *chip, replay)
                                             : runInWindow(commandLine.options, *chip, replay);
 }
 

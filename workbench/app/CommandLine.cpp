@@ -43,7 +43,8 @@ const QCommandLineOption recordOption{
     QStringLiteral("FILE")};
 const QCommandLineOption linkCostOption{
     QStringLiteral("link-cost"),
-    QStringLiteral("How long each request to the module blocks, 0 to 1000000; 500 when not given."),
+    QStringLiteral("How long each request to the simulated module blocks, 0 to 1000000; 500 when "
+                   "not given."),
     QStringLiteral("MICROSECONDS")};
 const QCommandLineOption chipOption{
     QStringLiteral("chip"),
@@ -63,11 +64,14 @@ const QCommandLineOption seedOption{
     QStringLiteral("N")};
 const QCommandLineOption tapeOption{
     QStringLiteral("tape"),
-    QStringLiteral("Write down each request to the module, with its reply and time."),
+    QStringLiteral("Write down each request to the module, with its reply and time, for --replay; "
+                   "at most 64 MiB."),
     QStringLiteral("FILE")};
 const QCommandLineOption replayOption{
     QStringLiteral("replay"),
-    QStringLiteral("Answer the requests from a tape instead of the simulated module."),
+    QStringLiteral("Answer the requests from a tape instead of the simulated module. With "
+                   "--unattended, the options of the run that was recorded repeat it; it fails "
+                   "when the panel does not ask what the tape has, to the tape's end."),
     QStringLiteral("FILE")};
 
 std::optional<int> number(const QString &text, int minimum, int maximum)
@@ -205,9 +209,9 @@ private:
                 fail(QStringLiteral("--%1 goes with --unattended only")
                          .arg(option.names().constFirst()));
         }
-        // An unattended run compares what the panel shows with the simulated chip.
-        if (parser.isSet(replayOption) && options.isUnattended)
-            fail(QStringLiteral("--replay and --unattended do not go together"));
+        // On a tape each request takes the time that it took.
+        if (parser.isSet(replayOption) && parser.isSet(linkCostOption))
+            fail(QStringLiteral("--replay and --link-cost do not go together"));
         if (parser.isSet(targetOption) && parser.isSet(flightPathOption))
             fail(QStringLiteral("--flight-path and --target do not go together"));
         const QStringList extra = parser.positionalArguments();

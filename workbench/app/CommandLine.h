@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FaultyLink.h"
+#include "Tape.h"
 
 #include <QPoint>
 #include <QString>
@@ -23,7 +24,8 @@ struct Options
     QVector<Fault> faults; ///< on from the start
     quint32 seed = FaultyLink::defaultSeed;
     QString tapeFile;
-    QString replayFile; ///< excludes unattended runs
+    QString replayFile;                     ///< excludes a link cost
+    qint64 tapeSizeLimit = maximumTapeSize; ///< bytes; no option leads here
 };
 
 /// What came of reading the command line: exactly one of the three outcomes.

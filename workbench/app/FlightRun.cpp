@@ -58,7 +58,7 @@ QString FlightRun::drive(const QVector<QPoint> &points)
 
 QString FlightRun::begin(const QVector<QPoint> &points)
 {
-    const QPoint start = stage.positionNow();
+    const QPoint start = stage.axes.position();
     const PanelView widest = stage.panel.widestView();
     stage.panel.setView(
         widened(closeUp(points.constFirst(), widest), points + QVector<QPoint>{start}, widest));
@@ -98,8 +98,8 @@ bool FlightRun::hasLeft(int index)
 
 QString FlightRun::checkEnd()
 {
-    const QPoint end = stage.positionNow();
-    if (stage.panel.isMoving() || !stage.isStandingStill())
+    const QPoint end = stage.axes.position();
+    if (stage.panel.isMoving() || !stage.axes.areAtRest())
         return QStringLiteral("the axes move on behind the last point");
     if (end != progress.point(progress.pointCount() - 1) || stage.panel.shownPosition() != end)
         return QStringLiteral("ended at %1, the panel shows %2")
@@ -113,7 +113,7 @@ QString FlightRun::checkEnd()
 QString FlightRun::notReached(int index, const QString &reason)
 {
     return QStringLiteral("%1: not reached, %2; the axes are at %3")
-        .arg(title(index), reason, describe(stage.positionNow()));
+        .arg(title(index), reason, describe(stage.axes.position()));
 }
 
 void FlightRun::take(const Sample &sample)
@@ -122,7 +122,7 @@ void FlightRun::take(const Sample &sample)
     const bool isThere =
         leg >= 0 && leg < progress.pointCount() && sample.position == progress.point(leg);
     progress.take(sample, leg,
-                  isThere && stage.isStandingStill() && stage.positionNow() == sample.position);
+                  isThere && stage.axes.areAtRest() && stage.axes.position() == sample.position);
 }
 
 QString FlightRun::title(int index) const

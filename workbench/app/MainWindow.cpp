@@ -49,7 +49,7 @@ MainWindow::MainWindow(SimulatedModule &module, const MessageLog &log, QWidget *
     addMenus();
     resizeDocks({treeDock}, {defaultTreeWidth}, Qt::Horizontal);
     resizeDocks({logDock}, {defaultLogHeight}, Qt::Vertical);
-    new ModuleStatus(module, statusBar());
+    status = new ModuleStatus(module, statusBar());
     connect(HostRegistry::instance(), &HostRegistry::statusMessage, statusBar(),
             &QStatusBar::showMessage);
 }
@@ -124,6 +124,11 @@ void MainWindow::addFaults(FaultControl &control)
 {
     menuBar()->insertMenu(helpMenu->menuAction(), new FaultMenu(control, this));
     statusBar()->addPermanentWidget(makeFaultLabel(control));
+}
+
+void MainWindow::showReplay(const TapeLink &tape, const QString &fileName)
+{
+    status->showReplay(tape, fileName);
 }
 
 /// The window, given a fitting size before it is opened for the first time.

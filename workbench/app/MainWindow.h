@@ -15,7 +15,9 @@ class DeviceTreeView;
 class FaultControl;
 class LogDock;
 class MessageLog;
+class ModuleStatus;
 class SimulatedModule;
+class TapeLink;
 class ToolWindow;
 
 /// The workbench's window: the device tree, a sub-window for each tool that is open, the log, and
@@ -35,6 +37,10 @@ public:
     /// Adds the menu of faults, and to the status bar which are on. `control` must outlive the
     /// window.
     void addFaults(FaultControl &control);
+
+    /// The status bar is about the tape from here on, which answers instead of the module and must
+    /// outlive the window.
+    void showReplay(const TapeLink &tape, const QString &fileName);
 
     /// Puts a tool on screen or to the front; nothing happens for an unknown key.
     void openTool(const QString &key);
@@ -64,6 +70,7 @@ private:
     QMdiArea *area = nullptr;
     DeviceTreeView *tree = nullptr;
     LogDock *logDock = nullptr;
+    ModuleStatus *status = nullptr;
     QDockWidget *treeDock = nullptr;
     QMenu *helpMenu = nullptr;
     QHash<QString, ToolWindow *> windows;

@@ -1,6 +1,11 @@
 #include "RunStage.h"
 
 #include "SimulatedModule.h"
+#include "TapeLink.h"
+
+#include <QLineF>
+
+#include <limits>
 
 namespace bench {
 
@@ -16,11 +21,14 @@ const auto interruptedText = QStringLiteral("interrupted");
 
 } // namespace
 
-RunStage::RunStage(SimulatedModule &simulated, SampleTap &sampleTap, const PanelDriver &panelDriver,
-                   RecordWriter &recordWriter, RunReport &runReport)
+RunStage::RunStage(SimulatedModule &simulated, const TapeLink *played, SampleTap &sampleTap,
+                   const PanelDriver &panelDriver, RecordWriter &recordWriter, RunReport &runReport)
     : module(simulated)
     , panel(panelDriver)
     , report(runReport)
+    , axes(simulated, played)
+    , replay(played)
+    , tape(played)
     , tap(sampleTap)
     , record(recordWriter)
 {
@@ -37,7 +45,13 @@ RunStage::~RunStage()
 QString RunStage::waitFor(const std::function<bool()> &condition, qint64 timeout,
                           const QString &whenTimedOut)
 {
-    switch (wait.until(condition, timeout)) {
+    QString fault;
+    const auto isOver = [&] {
+        const bool holds = condition();
+        fault = holds ? replay.deviation() : replay.fault();
+        return holds || !fault.isEmpty();
+    };
+    switch (wait.until(isOver, timeout)) {
     case WaitResult::Interrupted:
         return interruptedText;
     case WaitResult::TimedOut:
@@ -45,7 +59,7 @@ QString RunStage::waitFor(const std::function<bool()> &condition, qint64 timeout
     case WaitResult::Happened:
         break;
     }
-    return QString();
+    return fault;
 }
 
 QString RunStage::watchAgainst(const std::function<bool()> &condition, qint64 durationMs,
@@ -73,35 +87,38 @@ QString RunStage::letPanelSettle()
         seen = now;
         return unchanged >= triesWithoutChange;
     };
-    return waitFor(isSettled, settleTimeoutMs, QString());
+    return watchAgainst(isSettled, settleTimeoutMs, QString());
+}
+
+/// A tape waits for other targets than those that the panel is about to write by itself, and where
+/// the panel had drawn the axes when something was done, so that must be drawn now too.
+bool RunStage::isTimeToStepIn(const QPoint &start, double distance) const
+{
+    if (tape)
+        return tape->waitingNs() >= 0 &&
+               tape->awaitedTarget().value_or(panel.target()) != panel.target() &&
+               panel.shownPosition() == axes.position();
+    return QLineF(start, axes.position()).length() >= distance;
 }
 
 void RunStage::haltAxes()
 {
     wait.clearInterrupt();
-    if (!panel.isMoving() && isStandingStill())
+    const auto isHalted = [this] { return !panel.isMoving() && axes.areAtRest(); };
+    if (tape || isHalted())
         return;
     panel.pressStop();
-    wait.until([this] { return !panel.isMoving() && isStandingStill(); }, timeoutMs());
+    wait.until(isHalted, timeoutMs());
 }
 
-bool RunStage::isStandingStill()
+qint64 RunStage::timeoutMs() const
 {
-    return module.registerValue(QStringLiteral("M0_VACTUAL")).value_or(0) == 0 &&
-           module.registerValue(QStringLiteral("M1_VACTUAL")).value_or(0) == 0;
-}
-
-QPoint RunStage::positionNow()
-{
-    module.catchUp();
-    return {module.chip().position(0), module.chip().position(1)};
-}
-
-qint64 RunStage::timeoutMs()
-{
-    const QPoint way = panel.target() - positionNow();
-    const int slowest = qMin(module.registerValue(QStringLiteral("M0_VMAX")).value_or(0),
-                             module.registerValue(QStringLiteral("M1_VMAX")).value_or(0));
+    // The tape runs on to its next write or its end, and what is late after that is found out.
+    if (tape)
+        return std::numeric_limits<qint64>::max();
+    const QPoint way = panel.target() - axes.position();
+    const int slowest = qMin(axes.registerValue(QStringLiteral("M0_VMAX")),
+                             axes.registerValue(QStringLiteral("M1_VMAX")));
     const double seconds = slowest > 0 ? static_cast<double>(way.manhattanLength()) / slowest : 0;
     const qint64 requestsMs = patienceRequests * module.link().requestCostNs() / 1000000;
     return patienceMs + requestsMs + static_cast<qint64>(seconds * 1000 * patienceFactor);

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "AxesState.h"
 #include "EventWait.h"
 #include "PanelDriver.h"
 #include "RecordWriter.h"
+#include "ReplayWatch.h"
 #include "RunReport.h"
 
 #include <QElapsedTimer>
@@ -13,16 +15,18 @@ namespace bench {
 
 class SampleTap;
 class SimulatedModule;
+class TapeLink;
 
-/// What all parts of an unattended run work with: the panel that is driven, the module behind it
-/// and where the results go. Samples are those that the panel asks for itself. GUI thread; real
-/// time.
+/// What all parts of an unattended run work with: the panel that is driven, the module behind it,
+/// the tape that answers in the module's place if there is one, and where the results go. Samples
+/// are those that the panel asks for itself. GUI thread; real time.
 class RunStage
 {
 public:
-    /// Refers to all but the panel driver. Takes the tap's onSample over for its lifetime.
-    RunStage(SimulatedModule &module, SampleTap &tap, const PanelDriver &panel,
-             RecordWriter &record, RunReport &report);
+    /// Refers to all but the panel driver; null plays no tape. Takes the tap's onSample over for
+    /// its lifetime.
+    RunStage(SimulatedModule &module, const TapeLink *tape, SampleTap &tap,
+             const PanelDriver &panel, RecordWriter &record, RunReport &report);
     ~RunStage();
     RunStage(const RunStage &) = delete;
     RunStage &operator=(const RunStage &) = delete;
@@ -30,6 +34,8 @@ public:
     SimulatedModule &module;
     PanelDriver panel;
     RunReport &report;
+    const AxesState axes;
+    const ReplayWatch replay;
 
     /// Each sample, once it is on record; empty when nobody is interested.
     std::function<void(const Sample &)> onSample;
@@ -37,7 +43,8 @@ public:
     std::function<QString()> progressText;
 
     /// Waits in the event loop until `condition` holds. Returns an empty text then, and otherwise
-    /// `whenTimedOut` or that the run was interrupted.
+    /// `whenTimedOut`, that the run was interrupted, or what goes other than on the tape, which
+    /// also tells how long to wait where there is one.
     QString waitFor(const std::function<bool()> &condition, qint64 timeoutMs,
                     const QString &whenTimedOut);
     /// As waitFor(), for what must not happen.
@@ -48,20 +55,24 @@ public:
     /// Returns like waitFor(), but not to have come to rest is no fault.
     QString letPanelSettle();
 
-    /// Stops the axes through the panel, also after an interruption.
+    /// True at the moment to do something in mid-move: at `distance` from `start`, or where the
+    /// tape waits for it.
+    bool isTimeToStepIn(const QPoint &start, double distance) const;
+
+    /// Stops the axes through the panel, also after an interruption. There are none to stop on a
+    /// tape.
     void haltAxes();
     /// Ends what is waited for; may be called at any time.
     void interrupt() { wait.interrupt(); }
 
-    bool isStandingStill();
-    QPoint positionNow();
     /// Long enough for a move to the panel's target that ends at all, in milliseconds.
-    qint64 timeoutMs();
+    qint64 timeoutMs() const;
 
 private:
     void take(const Sample &sample);
     void showProgress();
 
+    const TapeLink *tape;
     SampleTap &tap;
     RecordWriter &record;
     EventWait wait;

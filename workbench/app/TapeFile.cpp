@@ -7,8 +7,15 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QLoggingCategory>
 
 namespace bench {
+
+namespace {
+
+Q_LOGGING_CATEGORY(tapeLog, "workbench.tape", QtInfoMsg)
+
+} // namespace
 
 TapeFile::TapeFile(TapeRecorder &tapeRecorder)
     : recorder(tapeRecorder)
@@ -18,16 +25,22 @@ TapeFile::TapeFile(TapeRecorder &tapeRecorder)
 TapeFile::~TapeFile()
 {
     recorder.finish();
+    recorder.onFull = nullptr;
 }
 
-QString TapeFile::begin(const QString &fileName)
+QString TapeFile::begin(const QString &fileName, qint64 sizeLimit)
 {
     if (fileName.isEmpty())
         return QString();
     const QString fault = openOutput(file, fileName);
-    if (fault.isEmpty())
-        recorder.start(&file);
-    return fault;
+    if (!fault.isEmpty())
+        return fault;
+    recorder.onFull = [fileName] {
+        qCWarning(tapeLog).noquote()
+            << fileName + QStringLiteral(": the tape is full and ends here");
+    };
+    recorder.start(&file, sizeLimit);
+    return QString();
 }
 
 QString TapeFile::finish()
@@ -35,7 +48,12 @@ QString TapeFile::finish()
     if (!file.isOpen())
         return QString();
     recorder.finish();
-    return commitOutput(file);
+    const QString notWritten = commitOutput(file);
+    if (!notWritten.isEmpty() || !recorder.isFull())
+        return notWritten;
+    return QStringLiteral("%1: the tape became full and lacks what came after its %2 requests")
+        .arg(file.fileName())
+        .arg(recorder.entryCount());
 }
 
 std::optional<Tape> readTapeFile(const QString &fileName)

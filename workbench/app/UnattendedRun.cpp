@@ -73,7 +73,7 @@ QString UnattendedRun::pickAndStart(const ScriptedMove &planned)
         return fault;
     if (!stage.panel.pick(planned.target))
         return QStringLiteral("the chart cannot show the target %1").arg(describe(planned.target));
-    move.start = stage.positionNow();
+    move.start = stage.axes.position();
     move.picked = stage.panel.target();
     stage.panel.setView(
         widened(stage.panel.view(), {move.start, move.picked}, stage.panel.widestView()));
@@ -88,7 +88,7 @@ QString UnattendedRun::pickAndStart(const ScriptedMove &planned)
 QString UnattendedRun::prepareView(const ScriptedMove &planned)
 {
     const PanelView widest = stage.panel.widestView();
-    QVector<QPoint> points{planned.target, stage.positionNow()};
+    QVector<QPoint> points{planned.target, stage.axes.position()};
     if (planned.kind == ScriptedMove::Turned)
         points.append(planned.turnTarget);
     stage.panel.setView(planned.isExact ? closeUp(planned.target, widest)
@@ -106,14 +106,11 @@ QString UnattendedRun::turn()
     if (!stage.panel.pick(move.planned.turnTarget))
         return QStringLiteral("the second target is not in the chart");
     move.turnPicked = stage.panel.target();
-    const auto hasTarget = [this] {
-        return stage.module.registerValue(QStringLiteral("M0_XTARGET")) == move.turnPicked.x() &&
-               stage.module.registerValue(QStringLiteral("M1_XTARGET")) == move.turnPicked.y();
-    };
+    const auto hasTarget = [this] { return stage.axes.target() == move.turnPicked; };
     const QString notWritten =
         stage.waitFor(hasTarget, stage.timeoutMs(),
                       QStringLiteral("the panel does not write the second target to the chip"));
-    move.turnedAt = stage.positionNow();
+    move.turnedAt = stage.axes.position();
     return notWritten;
 }
 
@@ -132,7 +129,7 @@ QString UnattendedRun::halfWay()
 {
     const double half = QLineF(move.start, move.picked).length() / 2;
     const auto isThere = [this, half] {
-        return !stage.panel.isMoving() || QLineF(move.start, stage.positionNow()).length() >= half;
+        return !stage.panel.isMoving() || stage.isTimeToStepIn(move.start, half);
     };
     return stage.waitFor(isThere, stage.timeoutMs(),
                          QStringLiteral("the axes do not get half the way"));
@@ -143,7 +140,7 @@ QString UnattendedRun::waitForEnd()
     const QString timedOut = QStringLiteral("does not end");
     QString fault =
         stage.waitFor([this] { return !stage.panel.isMoving(); }, stage.timeoutMs(), timedOut);
-    move.halt = stage.positionNow();
+    move.halt = stage.axes.position();
     if (fault == timedOut)
         fault += QStringLiteral("; the axes are at %1").arg(describe(move.halt));
     return fault;
@@ -151,7 +148,7 @@ QString UnattendedRun::waitForEnd()
 
 QString UnattendedRun::checkHalt()
 {
-    if (!stage.isStandingStill())
+    if (!stage.axes.areAtRest())
         return QStringLiteral("the panel reports the end while the axes move");
     const QPoint wanted = stage.panel.target();
     if (move.halt != wanted)
@@ -169,7 +166,7 @@ QString UnattendedRun::checkHalt()
 QString UnattendedRun::checkStaysPut()
 {
     const auto hasMoved = [this] {
-        return !stage.isStandingStill() || stage.positionNow() != move.halt;
+        return !stage.axes.areAtRest() || stage.axes.position() != move.halt;
     };
     return stage.watchAgainst(hasMoved, stayPutMs,
                               QStringLiteral("the axes moved on after the stop"));

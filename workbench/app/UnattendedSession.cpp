@@ -163,11 +163,16 @@ RunFault runAndReport(const Options &options, Workbench &workbench, const StopSi
     if (!panel.missingPart().isEmpty())
         return failure(QStringLiteral("the panel has no %1").arg(panel.missingPart()));
     RunReport report;
-    RunStage stage(workbench.module(), workbench.sampleTap(), panel, record, report);
-    const RunFault fault = runInterruptibly(options, stage, stopSignal);
+    RunStage stage(workbench.module(), workbench.tape(), workbench.sampleTap(), panel, record,
+                   report);
+    RunFault fault = runInterruptibly(options, stage, stopSignal);
+    if (fault.text.isEmpty())
+        fault = failure(stage.replay.faultAtEnd());
     if (!fault.text.isEmpty())
         return fault;
     QString summary = QStringLiteral("all moves as planned");
+    if (workbench.tape())
+        summary += QStringLiteral(", as on %1").arg(options.replayFile);
     const QString notWritten = writeFiles(options, tool, record, &summary);
     if (notWritten.isEmpty())
         report.line(summary);
@@ -180,7 +185,7 @@ RunFault runOnTape(const Options &options, Workbench &workbench)
     // From before the first file is opened, so that no signal leaves a part of one behind.
     const StopSignal stopSignal;
     TapeFile tape(workbench.tapeRecorder());
-    const QString notOpened = tape.begin(options.tapeFile);
+    const QString notOpened = tape.begin(options.tapeFile, options.tapeSizeLimit);
     if (!notOpened.isEmpty())
         return failure(notOpened);
     const RunFault fault = runAndReport(options, workbench, stopSignal);
@@ -194,7 +199,8 @@ RunFault runOnTape(const Options &options, Workbench &workbench)
 
 } // namespace
 
-int runUnattended(const Options &options, const ChipDescription &chip)
+int runUnattended(const Options &options, const ChipDescription &chip,
+                  const std::optional<Tape> &replay)
 {
     if (!options.flightPathFile.isEmpty()) {
         const QString unreadable = cannotOpen(options.flightPathFile);
@@ -204,7 +210,7 @@ int runUnattended(const Options &options, const ChipDescription &chip)
         }
     }
     QApplication::setQuitOnLastWindowClosed(false);
-    Workbench workbench(options, chip);
+    Workbench workbench(options, chip, replay);
     const RunFault fault = runOnTape(options, workbench);
     if (fault.text.isEmpty())
         return exitCode::success;

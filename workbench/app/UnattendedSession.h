@@ -2,12 +2,17 @@
 
 #include "ChipDescription.h"
 #include "CommandLine.h"
+#include "Tape.h"
+
+#include <optional>
 
 namespace bench {
 
-/// An unattended run from the first file opened to the summary: carries the moves out, writes the
-/// record and the picture, reports on the standard outputs. SIGINT and SIGTERM stop the axes and
-/// end it, as does closing the window; no record is left then. Returns the exit code.
-int runUnattended(const Options &options, const ChipDescription &chip);
+/// An unattended run, of the simulated module or of the tape, from the first file opened to the
+/// summary: carries the moves out, writes the record and the picture, reports on the standard
+/// outputs. SIGINT and SIGTERM stop the axes and end it, as does closing the window; no record is
+/// left then. Returns the exit code.
+int runUnattended(const Options &options, const ChipDescription &chip,
+                  const std::optional<Tape> &replay = std::nullopt);
 
 } // namespace bench

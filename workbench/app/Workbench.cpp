@@ -43,14 +43,28 @@ Workbench::Workbench(const Options &options, const ChipDescription &chip,
     , faultControl(faulty, simulated)
     , mainWindow(simulated, log)
 {
-    if (replay)
-        replay->onDeviation = [](const QString &text) { qCWarning(tapeLog).noquote() << text; };
+    if (replay) {
+        if (!options.isUnattended)
+            replay->onDeviation = [this](const QString &text) { logDeviation(text); };
+        mainWindow.showReplay(*replay, options.replayFile);
+    }
     mainWindow.addFaults(faultControl);
     simulated.link().setRequestCostNs(options.linkCostNs);
     simulated.hostModule().setLink(&tap);
     loadTools(options.pluginsFolder);
     for (const Fault &fault : options.faults)
         faultControl.switchOn(fault);
+}
+
+/// One write that is not as on the tape brings many of the kind; those behind the first are for the
+/// window's log alone.
+void Workbench::logDeviation(const QString &text)
+{
+    if (isDeviating)
+        qCInfo(tapeLog).noquote() << text;
+    else
+        qCWarning(tapeLog).noquote() << text;
+    isDeviating = true;
 }
 
 void Workbench::loadTools(const QString &pluginsFolder)

@@ -19,12 +19,15 @@ class Workbench
 {
 public:
     /// Loads the plug-ins; those that could not be loaded are named in the log. With a tape the
-    /// requests are answered from that instead of the simulated chip.
+    /// requests are answered from that instead of the simulated chip, and in a window what is not
+    /// as on it goes to the log; an unattended run tells that itself.
     Workbench(const Options &options, const ChipDescription &chip,
               const std::optional<Tape> &tape = std::nullopt);
 
     SimulatedModule &module() { return simulated; }
     SampleTap &sampleTap() { return tap; }
+    /// The tape that answers; null when the simulated chip does.
+    const TapeLink *tape() const { return replay ? &*replay : nullptr; }
     TapeRecorder &tapeRecorder() { return recorder; }
     FaultControl &faults() { return faultControl; }
     MainWindow &window() { return mainWindow; }
@@ -36,6 +39,7 @@ public:
     void show();
 
 private:
+    void logDeviation(const QString &text);
     void loadTools(const QString &pluginsFolder);
 
     // In this order, so that what uses something goes before it.
@@ -50,6 +54,7 @@ private:
     PluginLoader plugins;
     MainWindow mainWindow;
     QVector<QPointer<ToolsInterface>> tools;
+    bool isDeviating = false;
 };
 
 } // namespace bench

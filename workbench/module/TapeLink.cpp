@@ -26,19 +26,28 @@ TapeLink::TapeLink(const Tape &tape, Clock &tapeClock, const AxisRegisters &regi
     , known(registers)
     , anchorClockNs(tapeClock.now())
 {
-    for (int place = 0; place < entries.size(); ++place)
-        tracks[trackOf(entries.at(place))].places.append(place);
-    nextWrite = findWrite(0);
+    index();
+    awaitWrite(0);
 }
 
-bool TapeLink::isAtEnd() const
+void TapeLink::index()
 {
-    return nextWrite == entries.size() &&
-           (entries.isEmpty() || tapeNow() >= entries.constLast().repliedNs());
+    for (int place = 0; place < entries.size(); ++place) {
+        const TapeEntry &entry = entries.at(place);
+        tracks[trackOf(entry)].places.append(place);
+        const bool isBoth =
+            entry.kind == TapeEntry::UserFunction && entry.address == bothPositionsFunction;
+        if (isBoth && entry.isAnswered)
+            positions.places.append(place);
+        if (isOrderedWrite(place))
+            ++writes;
+        longestNs = qMax(longestNs, entry.tookNs);
+    }
 }
 
 bool TapeLink::readRegister(unsigned int address, unsigned char motor, int *value)
 {
+    ++requests.reads;
     const TapeEntry *const entry = answer(makeRequest(TapeEntry::Read, address, motor));
     if (!play(entry))
         return false;
@@ -49,6 +58,7 @@ bool TapeLink::readRegister(unsigned int address, unsigned char motor, int *valu
 bool TapeLink::userFunction(unsigned char *a, unsigned char *b, unsigned char function,
                             unsigned char arg, unsigned char motor, unsigned int *reply)
 {
+    ++requests.userFunctions;
     TapeEntry request = makeRequest(TapeEntry::UserFunction, function, motor);
     request.arg = arg;
     const TapeEntry *const entry = answer(request);
@@ -62,20 +72,25 @@ bool TapeLink::userFunction(unsigned char *a, unsigned char *b, unsigned char fu
 
 bool TapeLink::writeRegister(unsigned int address, unsigned char motor, int value)
 {
+    ++requests.writes;
     TapeEntry request = makeRequest(TapeEntry::Write, address, motor);
     request.value = value;
     // What a panel writes there depends on when it asked for it.
     if (isPosition(request) || isVelocity(request))
         return true;
-    if (nextWrite == entries.size() || tapeRequest(entries.at(nextWrite)) != tapeRequest(request)) {
+    if (!hasFurtherWrite() || tapeRequest(entries.at(nextWrite)) != tapeRequest(request)) {
         deviate(request);
         return false;
     }
     const TapeEntry &entry = entries.at(nextWrite);
-    anchorTapeNs = entry.askedNs;
-    anchorClockNs = clock.now();
+    // A write that comes early must not skip any of a movement.
+    if (waitingNs() >= 0 || areAtRest()) {
+        anchorTapeNs = entry.askedNs;
+        anchorClockNs = clock.now();
+    }
+    ++repeatedWrites;
     lastWrite = nextWrite;
-    nextWrite = findWrite(lastWrite + 1);
+    awaitWrite(lastWrite + 1);
     return play(&entry);
 }
 
@@ -96,17 +111,28 @@ bool TapeLink::isVelocity(const TapeEntry &request) const
     return request.kind != TapeEntry::UserFunction && contains(known.velocity, request.address);
 }
 
+/// What comes without an order of its own is left out, see writeRegister().
+bool TapeLink::isOrderedWrite(int place) const
+{
+    const TapeEntry &entry = entries.at(place);
+    return entry.kind == TapeEntry::Write && !isPosition(entry) && !isVelocity(entry);
+}
+
 qint64 TapeLink::tapeNow() const
 {
     return anchorTapeNs + clock.now() - anchorClockNs;
 }
 
+void TapeLink::awaitWrite(int from)
+{
+    nextWrite = findWrite(from);
+    stopPlace = findStop();
+}
+
 int TapeLink::findWrite(int from) const
 {
     int place = from;
-    while (place < entries.size() &&
-           (entries.at(place).kind != TapeEntry::Write || isPosition(entries.at(place)) ||
-            isVelocity(entries.at(place))))
+    while (place < entries.size() && !isOrderedWrite(place))
         ++place;
     return place;
 }
@@ -149,6 +175,8 @@ const TapeEntry *TapeLink::answer(const TapeEntry &request)
     int place = 0;
     if (isVelocity(request)) {
         place = findMeasured(*track, lastWrite);
+    } else if (request.kind == TapeEntry::UserFunction && isPosition(request) && isAtStop()) {
+        place = stopPlace;
     } else if (isPosition(request)) {
         place = findMeasured(*track, -1);
         if (place < 0)
@@ -169,9 +197,7 @@ bool TapeLink::play(const TapeEntry *entry)
 
 void TapeLink::deviate(const TapeEntry &request)
 {
-    const QString wanted = nextWrite < entries.size()
-                               ? QString::fromLatin1(tapeRequest(entries.at(nextWrite)))
-                               : QStringLiteral("no further write");
+    const QString wanted = hasFurtherWrite() ? awaitedWrite() : QStringLiteral("no further write");
     const QString text = QStringLiteral("%1, but the tape has %2 there")
                              .arg(QString::fromLatin1(tapeRequest(request)), wanted);
     if (firstDeviation.isEmpty())

@@ -12,9 +12,10 @@ TapeRecorder::TapeRecorder(ModuleLink &nextLink, const Clock &tapeClock)
 {
 }
 
-void TapeRecorder::start(QIODevice *tapeDevice)
+void TapeRecorder::start(QIODevice *tapeDevice, qint64 sizeLimit)
 {
     device = tapeDevice;
+    limit = sizeLimit;
     beginNs = clock.now();
     size = 0;
     count = 0;
@@ -86,9 +87,12 @@ void TapeRecorder::note(TapeEntry entry, bool isAnswered)
     entry.tookNs = clock.now() - beginNs - entry.askedNs;
     const QByteArray line = tapeLine(entry);
     // The end must still fit.
-    hasOverflown = size + line.size() + maximumTapeLine > maximumTapeSize;
-    if (hasOverflown)
+    hasOverflown = size + line.size() + maximumTapeLine > limit;
+    if (hasOverflown) {
+        if (onFull)
+            onFull();
         return;
+    }
     ++count;
     writeLine(line);
 }

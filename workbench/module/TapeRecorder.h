@@ -3,6 +3,8 @@
 #include "ModuleLink.h"
 #include "Tape.h"
 
+#include <functional>
+
 class QIODevice;
 
 namespace bench {
@@ -18,8 +20,12 @@ public:
     TapeRecorder(ModuleLink &next, const Clock &clock);
 
     /// The tape begins now, on `device`, which is open for writing, not owned and used until
-    /// finish(). A device that fails is noticed by whoever closes it.
-    void start(QIODevice *tapeDevice);
+    /// finish(). A device that fails is noticed by whoever closes it. `sizeLimit` in bytes, with
+    /// the tape's end, is 1024 at least.
+    void start(QIODevice *tapeDevice, qint64 sizeLimit = maximumTapeSize);
+
+    /// Called once for each tape that becomes full, behind the request that it has no room for.
+    std::function<void()> onFull;
 
     /// Writes the end of the tape and lets go of the device; nothing happens without one.
     void finish();
@@ -42,6 +48,7 @@ private:
     const Clock &clock;
     QIODevice *device = nullptr;
     qint64 beginNs = 0;
+    qint64 limit = maximumTapeSize;
     qint64 size = 0;
     qint64 count = 0;
     bool hasOverflown = false;

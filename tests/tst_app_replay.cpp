@@ -1,0 +1,219 @@
+#include "ProgramBench.h"
+#include "TapeFile.h"
+
+#include <QImage>
+#include <QSet>
+
+using namespace bench;
+
+namespace {
+
+QString text(const char *latin1)
+{
+    return QString::fromLatin1(latin1);
+}
+
+QStringList words(const char *line)
+{
+    return text(line).split(QLatin1Char(' '));
+}
+
+/// What the lines of a run say about places, without the figures that depend on the time.
+QStringList places(const QStringList &output)
+{
+    const QRegularExpression figures(
+        text("; \\d+\\.\\d\\d s, .*$|: reached after .*$|, as on .*$|; \\d+ samples in .*$"));
+    QStringList lines;
+    for (QString line : output)
+        lines << line.remove(figures);
+    return lines;
+}
+
+QByteArray written(const Tape &tape)
+{
+    QByteArray file = tapeHeader() + '\n';
+    for (const TapeEntry &entry : tape.entries)
+        file += tapeLine(entry) + '\n';
+    return file + tapeEnd(tape.entries.size()) + '\n';
+}
+
+/// All positions of a record, in order, without repetitions.
+QStringList way(const QString &fileName)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QStringList positions;
+    const QStringList rows = ProgramBench::lines(file.readAll()).mid(1);
+    for (const QString &row : rows) {
+        const QString position = row.section(QLatin1Char(','), 1);
+        if (positions.isEmpty() || positions.constLast() != position)
+            positions << position;
+    }
+    return positions;
+}
+
+} // namespace
+
+class AppReplayTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void runIsRepeatedFromItsTape_data();
+    void runIsRepeatedFromItsTape();
+    void replayComesThroughFaultsInFrontOfTheTape();
+    void runThatIsNotOnTheTapeFails_data();
+    void runThatIsNotOnTheTapeFails();
+    void tapeThatBreaksOffIsNoticed();
+    void tapeThatWaitsInVainIsNoticed();
+    void interruptedReplayEndsAtOnce();
+
+private:
+    ProgramBench::Ending run(const QStringList &options, const char *more) const
+    {
+        return bench->run(QStringList{text("--unattended")} + options + words(more));
+    }
+
+    std::unique_ptr<ProgramBench> bench;
+};
+
+void AppReplayTest::init()
+{
+    bench = std::make_unique<ProgramBench>();
+    QVERIFY(bench->isValid());
+    bench->write(text("path.csv"), "Path\n120;0;120;-80\n120;-80\n0;0\n");
+}
+
+void AppReplayTest::runIsRepeatedFromItsTape_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QStringList>("recordedWith");
+    // In real time, so no more than it takes.
+    QTest::newRow("targets on a slow link")
+        << words("--target 800,300 --target -200,450") << words("--link-cost 20000");
+    QTest::newRow("flight path") << words("--flight-path path.csv") << QStringList();
+    QTest::newRow("built-in run") << QStringList() << QStringList();
+}
+
+void AppReplayTest::runIsRepeatedFromItsTape()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QStringList, recordedWith);
+    const auto first = run(options + recordedWith, "--tape a.tape --record first.csv");
+    QVERIFY2(first.exitCode == 0, qPrintable(first.complaints.join(QLatin1Char('\n'))));
+    const auto again =
+        run(options, "--replay a.tape --record again.csv --picture again.png --tape again.tape");
+    QVERIFY2(again.exitCode == 0, qPrintable(again.complaints.join(QLatin1Char('\n'))));
+    QCOMPARE(again.complaints, QStringList());
+    QVERIFY(again.output.constLast().contains(text("all moves as planned, as on a.tape; ")));
+    QCOMPARE(places(again.output), places(first.output));
+
+    // Whatever was sampled this time was sampled then, and both end in the same place.
+    const QStringList before = way(bench->filePath(text("first.csv")));
+    const QStringList repeated = way(bench->filePath(text("again.csv")));
+    QVERIFY(repeated.size() > 20);
+    QSet<QString> recorded;
+    for (const QString &position : before)
+        recorded.insert(position);
+    for (const QString &position : repeated)
+        QVERIFY2(recorded.contains(position), qPrintable(position));
+    QCOMPARE(repeated.constLast(), before.constLast());
+    QVERIFY(QImage(bench->filePath(text("again.png"))).width() > 1000);
+    QVERIFY(readTapeFile(bench->filePath(text("again.tape"))).has_value());
+}
+
+void AppReplayTest::replayComesThroughFaultsInFrontOfTheTape()
+{
+    const QStringList targets = words("--target 300,200");
+    QCOMPARE(run(targets, "--tape a.tape").exitCode, 0);
+    const auto slower = run(targets, "--replay a.tape --fault late:2");
+    QVERIFY2(slower.exitCode == 0, qPrintable(slower.complaints.join(QLatin1Char('\n'))));
+    const auto failing = run(targets, "--replay a.tape --fault ignore-writes");
+    QCOMPARE(failing.exitCode, 1);
+    QCOMPARE(failing.complaints.size(), 1);
+}
+
+void AppReplayTest::runThatIsNotOnTheTapeFails_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QString>("complaint");
+    QTest::newRow("one move more")
+        << words("--target 300,200 --target 0,0 --target 5,5")
+        << "move 3: not as on the tape: write 0x13 m0 0, but the tape has no further write there";
+    QTest::newRow("one move less")
+        << words("--target 300,200")
+        << "the tape was not played to its end, where write 0x13 m0 0 comes next";
+    QTest::newRow("another target") << words("--target 300,201")
+                                    << "move 1: not as on the tape: write 0x22 m0 201, but the "
+                                       "tape has write 0x22 m0 200 there";
+    QTest::newRow("flight path")
+        << words("--flight-path path.csv")
+        << "flight path: point 1 of 4: 120,0: not reached, not as on the tape: write 0x22 m0 0, "
+           "but the tape has write 0x22 m0 200 there; the axes are at 0,0";
+}
+
+void AppReplayTest::runThatIsNotOnTheTapeFails()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QString, complaint);
+    QCOMPARE(run(words("--target 300,200 --target 0,0"), "--tape a.tape").exitCode, 0);
+    const auto ending = run(options, "--replay a.tape --record r.csv");
+    QCOMPARE(ending.exitCode, 1);
+    QCOMPARE(ending.complaints, QStringList{text("workbench: ") + complaint});
+    QCOMPARE(bench->files(), (QStringList{text("a.tape"), text("path.csv")}));
+}
+
+void AppReplayTest::tapeThatBreaksOffIsNoticed()
+{
+    const QStringList targets = words("--target 40,20 --target 600,400");
+    QCOMPARE(run(targets, "--tape a.tape").exitCode, 0);
+    auto tape = readTapeFile(bench->filePath(text("a.tape")));
+    QVERIFY(tape.has_value());
+    int end = tape->entries.size();
+    while (tape->entries.at(end - 1).kind != TapeEntry::Write)
+        --end;
+    // Behind the last write the axes are on their way.
+    tape->entries.resize(end + 50);
+    bench->write(text("a.tape"), written(*tape));
+    const auto ending = run(targets, "--replay a.tape");
+    QCOMPARE(ending.exitCode, 1);
+    QCOMPARE(ending.complaints, QStringList{text("workbench: move 2: the tape is at its end")});
+}
+
+void AppReplayTest::tapeThatWaitsInVainIsNoticed()
+{
+    const QStringList target = words("--target 300,200");
+    QCOMPARE(run(target, "--tape a.tape").exitCode, 0);
+    auto tape = readTapeFile(bench->filePath(text("a.tape")));
+    QVERIFY(tape.has_value());
+    // A write of somebody else's, before the axes have come to rest.
+    const int place = tape->entries.size() - 200;
+    TapeEntry entry = tape->entries.at(place);
+    entry.kind = TapeEntry::Write;
+    tape->entries.insert(place, entry);
+    bench->write(text("a.tape"), written(*tape));
+    const auto ending = run(target, "--replay a.tape");
+    QCOMPARE(ending.exitCode, 1);
+    QCOMPARE(ending.complaints,
+             QStringList{text("workbench: move 1: the tape waits for %1, which does not come")
+                             .arg(QString::fromLatin1(tapeRequest(entry)))});
+}
+
+void AppReplayTest::interruptedReplayEndsAtOnce()
+{
+    const QStringList targets = words("--target 30,20 --target 3000,2000");
+    QCOMPARE(run(targets, "--tape a.tape").exitCode, 0);
+    const auto process = bench->start(words("--unattended") + targets + words("--replay a.tape"));
+    QVERIFY(process->waitForReadyRead(ProgramBench::runTimeoutMs));
+    process->terminate();
+    QVERIFY(process->waitForFinished(ProgramBench::runTimeoutMs));
+    QCOMPARE(process->exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process->exitCode(), 1);
+    QVERIFY(process->readAllStandardError().contains("workbench: move 2: interrupted\n"));
+}
+
+QTEST_GUILESS_MAIN(AppReplayTest)
+#include "tst_app_replay.moc"
