@@ -127,10 +127,17 @@ void SynchronisedDriveTool::on_pbStop_clicked()
         return;
     const QPointer<SynchronisedDriveTool> self(this);
     ui->pbStop->setProperty(drive::property::StopPressed, true);
+    ui->pbStop->setProperty(drive::property::Stopping, true);
     const QPointF here = actual();
     setTargetPosition(here, QPoint(0, 0));
     if (self && writeField(m0XtargetWidget, here.x()) && writeField(m1XtargetWidget, here.y()))
         writeRegister(rampModeRegister, drive::rampModePositioning);
-    if (self)
-        ui->pbStart->setProperty(drive::property::RunFlightPath, flightPath.size());
+    if (!self)
+        return;
+    ui->pbStart->setProperty(drive::property::RunFlightPath, flightPath.size());
+    ui->pbStop->setProperty(drive::property::Stopping, false);
+    // A start that was pressed meanwhile is stopped as well: it has written between the stop's own
+    // requests.
+    if (!isStopPressed())
+        on_pbStop_clicked();
 }

@@ -229,8 +229,11 @@ void SynchronisedDriveTool::checkEndOfMove()
     runNextFlightPathPoint();
 }
 
+/// A stop that is still being carried out ends the flight path.
 void SynchronisedDriveTool::runNextFlightPathPoint()
 {
+    if (ui->pbStop->property(drive::property::Stopping).toBool())
+        return;
     const int current = ui->pbStart->property(drive::property::RunFlightPath).toInt();
     const int next = drive::saturatedSum(current, 1);
     if (next < 0 || next >= flightPath.size())

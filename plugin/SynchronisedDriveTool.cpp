@@ -83,8 +83,8 @@ void SynchronisedDriveTool::hidePlugin()
         chartView->setProperty(drive::property::Showing, QVariant());
 }
 
-/// A prototype never is, and a tool not while it is being made: whatever the host calls then finds
-/// no chart.
+/// A prototype never is, and a tool not before it has its series: what the host calls then would
+/// find no chart.
 bool SynchronisedDriveTool::isComplete() const
 {
     return traceSeries;

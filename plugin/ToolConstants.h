@@ -14,6 +14,8 @@ constexpr const char *RunFlightPath = "RunFp";
 constexpr const char *EndCheck = "EndCheck";
 /// On the stop button, bool: pressed since the start button was.
 constexpr const char *StopPressed = "StopPressed";
+/// On the stop button, bool: a stop is being carried out.
+constexpr const char *Stopping = "Stopping";
 /// On the chart view, bool: the host is showing the tool, and has not hidden it meanwhile. Absent
 /// when it is doing neither.
 constexpr const char *Showing = "Showing";

@@ -47,6 +47,10 @@ private slots:
     void showWithinShowKeepsOneTimer();
     void hideWithinTheLookForTheEndKeepsTheMove_data();
     void hideWithinTheLookForTheEndKeepsTheMove();
+    void stopEndsAFlightPathWhateverItsRequestsBringAbout_data();
+    void stopEndsAFlightPathWhateverItsRequestsBringAbout();
+    void stopHasTheLastWordOnAStartWithinIt_data();
+    void stopHasTheLastWordOnAStartWithinIt();
     void stopDrivesToOnePointWhateverIsDrawnMeanwhile();
     void settingsWrittenWhileTheyAreReadAreReadAgain_data();
     void settingsWrittenWhileTheyAreReadAreReadAgain();
@@ -131,6 +135,60 @@ void ToolNestedTest::hideWithinTheLookForTheEndKeepsTheMove()
     bench.updateTick();
     bench.updateTick();
     QCOMPARE(bench.flightIndex(), 2);
+}
+
+void ToolNestedTest::stopEndsAFlightPathWhateverItsRequestsBringAbout_data()
+{
+    QTest::addColumn<int>("request");
+
+    QTest::newRow("in the first target") << 0;
+    QTest::newRow("in the second target") << 1;
+    QTest::newRow("in the mode") << 2;
+}
+
+/// The leg's end is found in the middle of the stop, and the next leg must not begin.
+void ToolNestedTest::stopEndsAFlightPathWhateverItsRequestsBringAbout()
+{
+    QFETCH(int, request);
+    PollBench bench;
+    bench.makeWide();
+    bench.setTarget({300, 200});
+    bench.start();
+    bench.startButton()->setProperty("RunFp", 1);
+    bench.sample(300, 200);
+    bench.updateTick();
+    bench.takeCalls();
+    actInRequest(bench, request, [&bench] { bench.updateTick(); });
+    bench.call("on_pbStop_clicked");
+    QCOMPARE(bench.takeWrites(), (QStringList{QStringLiteral("write M0_XTARGET m0 300"),
+                                              QStringLiteral("write M1_XTARGET m0 200"),
+                                              QStringLiteral("write RAMPMODE m0 0")}));
+    QVERIFY(bench.startButton()->isEnabled());
+    QCOMPARE(bench.flightIndex(), 12);
+    QCOMPARE(bench.target()->at(0), QPointF(300, 200));
+}
+
+void ToolNestedTest::stopHasTheLastWordOnAStartWithinIt_data()
+{
+    stopEndsAFlightPathWhateverItsRequestsBringAbout_data();
+}
+
+void ToolNestedTest::stopHasTheLastWordOnAStartWithinIt()
+{
+    QFETCH(int, request);
+    PollBench bench;
+    bench.makeWide();
+    actInRequest(bench, request, [&bench] {
+        bench.setTarget({4000, 4000});
+        bench.call("on_pbStart_clicked");
+    });
+    bench.call("on_pbStop_clicked");
+    const QStringList writes = bench.takeWrites();
+    QVERIFY(writes.filter(QStringLiteral("RAMPMODE m0 768")).size() == 1);
+    QCOMPARE(writes.mid(writes.size() - 3), (QStringList{QStringLiteral("write M0_XTARGET m0 0"),
+                                                         QStringLiteral("write M1_XTARGET m0 0"),
+                                                         QStringLiteral("write RAMPMODE m0 0")}));
+    QCOMPARE(bench.target()->at(0), QPointF(0, 0));
 }
 
 void ToolNestedTest::stopDrivesToOnePointWhateverIsDrawnMeanwhile()
