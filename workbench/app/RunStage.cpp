@@ -3,6 +3,7 @@
 #include "SimulatedModule.h"
 #include "TapeLink.h"
 
+#include <QElapsedTimer>
 #include <QLineF>
 
 #include <limits>
@@ -78,14 +79,22 @@ QString RunStage::watchAgainst(const std::function<bool()> &condition, qint64 du
 
 QString RunStage::letPanelSettle()
 {
-    constexpr int triesWithoutChange = 3;
+    // Both: on a busy machine much time may go by in which little is done.
+    constexpr int triesWithoutChange = 10;
+    constexpr qint64 msWithoutChange = 100;
     QRectF seen;
     int unchanged = 0;
+    QElapsedTimer sinceChange;
+    sinceChange.start();
     const auto isSettled = [&] {
         const QRectF now = panel.plotArea();
-        unchanged = now == seen ? unchanged + 1 : 0;
+        ++unchanged;
+        if (now != seen) {
+            unchanged = 0;
+            sinceChange.start();
+        }
         seen = now;
-        return unchanged >= triesWithoutChange;
+        return unchanged >= triesWithoutChange && sinceChange.hasExpired(msWithoutChange);
     };
     return watchAgainst(isSettled, settleTimeoutMs, QString());
 }
