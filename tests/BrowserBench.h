@@ -68,4 +68,7 @@ protected:
 
     ModeWatchingLink link;
     std::unique_ptr<HostModule> module;
+
+private:
+    void letSearchFieldFinish();
 };
