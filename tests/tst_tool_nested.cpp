@@ -28,6 +28,18 @@ void actInRequest(ToolBench &bench, int number, const std::function<void()> &act
     };
 }
 
+/// The leg to the path's second point is done and drawn: the next update tick finds its end.
+void arriveOnAFlightPath(PollBench &bench)
+{
+    bench.makeWide();
+    bench.setTarget({300, 200});
+    bench.start();
+    bench.startButton()->setProperty("RunFp", 1);
+    bench.sample(300, 200);
+    bench.updateTick();
+    bench.takeCalls();
+}
+
 int readsIn(const QStringList &calls)
 {
     return calls.filter(QStringLiteral("read")).size();
@@ -118,13 +130,7 @@ void ToolNestedTest::hideWithinTheLookForTheEndKeepsTheMove()
 {
     QFETCH(int, request);
     PollBench bench;
-    bench.makeWide();
-    bench.setTarget({300, 200});
-    bench.start();
-    bench.startButton()->setProperty("RunFp", 1);
-    bench.sample(300, 200);
-    bench.updateTick();
-    bench.takeCalls();
+    arriveOnAFlightPath(bench);
     actInRequest(bench, request, [&bench] { bench.tool()->hidePlugin(); });
     bench.updateTick();
     QCOMPARE(bench.takeCalls().size(), 2);
@@ -151,13 +157,7 @@ void ToolNestedTest::stopEndsAFlightPathWhateverItsRequestsBringAbout()
 {
     QFETCH(int, request);
     PollBench bench;
-    bench.makeWide();
-    bench.setTarget({300, 200});
-    bench.start();
-    bench.startButton()->setProperty("RunFp", 1);
-    bench.sample(300, 200);
-    bench.updateTick();
-    bench.takeCalls();
+    arriveOnAFlightPath(bench);
     actInRequest(bench, request, [&bench] { bench.updateTick(); });
     bench.call("on_pbStop_clicked");
     QCOMPARE(bench.takeWrites(), (QStringList{QStringLiteral("write M0_XTARGET m0 300"),
