@@ -110,9 +110,9 @@ void WatchedLink::enter(bool isStep)
 FaultBench::FaultBench(quint32 seed)
     : module(shippedChip(), clock, nextModuleKey())
     , chipSide(module.link())
-    , faulty(chipSide, clock, bench::AxisRegisters::of(module.chip().description()), seed)
+    , faulty(chipSide, clock, module.chip().description().axisAddresses(), seed)
     , hostSide(faulty)
-    , known(bench::AxisRegisters::of(module.chip().description()))
+    , known(module.chip().description().axisAddresses())
     , rampMode(address("RAMPMODE"))
 {
     wire();

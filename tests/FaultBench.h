@@ -129,7 +129,7 @@ public:
     QPoint chipPosition();
     int chipValue(const char *name);
     unsigned int address(const char *name);
-    const bench::AxisRegisters &axisRegisters() const { return known; }
+    const bench::AxisAddresses &axisRegisters() const { return known; }
     /// Writes a register as another tool of the host does.
     void writeFromElsewhere(const char *name, int value);
     /// Gives the registers that shape the ramps the values of a fresh chip.
@@ -168,7 +168,7 @@ private:
     void buttonChanged(QEvent *event);
     void violation(const QString &text);
 
-    bench::AxisRegisters known;
+    bench::AxisAddresses known;
     unsigned int rampMode;
     QPointer<ToolsInterface> working;
     QPointer<QObject> watchedTool;

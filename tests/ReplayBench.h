@@ -1,6 +1,6 @@
 #pragma once
 
-#include "AxisRegisters.h"
+#include "AxisAddresses.h"
 #include "ShippedChip.h"
 #include "SimulatedModule.h"
 #include "ToolBench.h"
@@ -25,10 +25,7 @@ public:
     }
     ~ReplayBench() { delete tool; }
 
-    bench::AxisRegisters registers()
-    {
-        return bench::AxisRegisters::of(module.chip().description());
-    }
+    bench::AxisAddresses registers() { return module.chip().description().axisAddresses(); }
 
     /// Makes the tool, whose requests go to `link`.
     void begin(ModuleLink *link)

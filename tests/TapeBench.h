@@ -13,7 +13,7 @@ inline constexpr unsigned int setting = 0x13;
 inline constexpr unsigned int target0 = 0x12;
 inline constexpr unsigned int target1 = 0x22;
 
-inline const bench::AxisRegisters registers{
+inline const bench::AxisAddresses registers{
     {position0, 0x20}, {velocity0, 0x21}, {target0, target1}};
 
 /// A tape that is put together line by line; each request takes a millisecond.

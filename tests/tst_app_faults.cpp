@@ -73,7 +73,7 @@ void AppFaultsTest::init()
     const auto chip = readShippedChip();
     QVERIFY(chip);
     module = std::make_unique<SimulatedModule>(*chip, clock);
-    link = std::make_unique<FaultyLink>(module->link(), clock, AxisRegisters::of(*chip));
+    link = std::make_unique<FaultyLink>(module->link(), clock, chip->axisAddresses());
     module->hostModule().setLink(link.get());
     control = std::make_unique<FaultControl>(*link, *module);
     menu = std::make_unique<FaultMenu>(*control);

@@ -230,7 +230,7 @@ void TestFaultLink::registersAreFoundByName()
         described.address = entry.second;
         chip.registers.append(described);
     }
-    const AxisRegisters found = AxisRegisters::of(chip);
+    const AxisAddresses found = chip.axisAddresses();
     QVERIFY(contains(found.position, 5) && contains(found.velocity, 6) &&
             contains(found.target, 7));
     QCOMPARE(found.position[0].value_or(0), 5u);

@@ -28,8 +28,7 @@ ModuleLink &answeringLink(const std::optional<Tape> &tape, std::optional<TapeLin
 {
     if (!tape)
         return simulated.link();
-    return replay.emplace(*tape, simulated.clock(),
-                          AxisRegisters::of(simulated.chip().description()));
+    return replay.emplace(*tape, simulated.clock(), simulated.chip().description().axisAddresses());
 }
 
 } // namespace
@@ -37,7 +36,7 @@ ModuleLink &answeringLink(const std::optional<Tape> &tape, std::optional<TapeLin
 Workbench::Workbench(const Options &options, const ChipDescription &chip,
                      const std::optional<Tape> &tape)
     : simulated(chip, clock)
-    , faulty(answeringLink(tape, replay, simulated), clock, AxisRegisters::of(chip), options.seed)
+    , faulty(answeringLink(tape, replay, simulated), clock, chip.axisAddresses(), options.seed)
     , recorder(faulty, clock)
     , tap(recorder, clock)
     , faultControl(faulty, simulated)

@@ -13,6 +13,17 @@ const RegisterDescription *firstOf(const QVector<RegisterDescription> &registers
     return found == registers.end() ? nullptr : &*found;
 }
 
+AxisAddresses::OfBoth addressesOf(const ChipDescription &chip, const char *name)
+{
+    AxisAddresses::OfBoth addresses;
+    for (std::size_t axis = 0; axis < addresses.size(); ++axis) {
+        const QString full = QStringLiteral("M%1_%2").arg(axis).arg(QLatin1String(name));
+        if (const RegisterDescription *const found = chip.findRegister(full))
+            addresses[axis] = found->address;
+    }
+    return addresses;
+}
+
 } // namespace
 
 const RegisterDescription *ChipDescription::findRegister(const QString &registerName) const
@@ -27,6 +38,12 @@ const RegisterDescription *ChipDescription::findRegister(unsigned int address) c
     return firstOf(registers, [address](const RegisterDescription &candidate) {
         return candidate.address == address;
     });
+}
+
+AxisAddresses ChipDescription::axisAddresses() const
+{
+    return {addressesOf(*this, "XACTUAL"), addressesOf(*this, "VACTUAL"),
+            addressesOf(*this, "XTARGET")};
 }
 
 } // namespace bench

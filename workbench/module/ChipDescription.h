@@ -1,5 +1,7 @@
 #pragma once
 
+#include "AxisAddresses.h"
+
 #include <QString>
 #include <QVector>
 
@@ -50,6 +52,8 @@ struct ChipDescription
     /// changed.
     const RegisterDescription *findRegister(const QString &registerName) const;
     const RegisterDescription *findRegister(unsigned int address) const;
+
+    AxisAddresses axisAddresses() const;
 };
 
 } // namespace bench

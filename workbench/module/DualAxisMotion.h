@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PositionPacking.h"
 #include "Ramp.h"
 
 #include <QtGlobal>
@@ -9,12 +10,6 @@
 #include <vector>
 
 namespace bench {
-
-constexpr int axisCount = 2;
-
-/// The ends of an axis: signed 24-bit numbers.
-constexpr int minimumPosition = -8388608;
-constexpr int maximumPosition = 8388607;
 
 /// How the axes get to their targets.
 enum class MotionMode {

@@ -12,7 +12,7 @@ constexpr qint64 nsPerMs = 1000000;
 
 } // namespace
 
-FaultyLink::FaultyLink(ModuleLink &link, Clock &clock, const AxisRegisters &registers,
+FaultyLink::FaultyLink(ModuleLink &link, Clock &clock, const AxisAddresses &registers,
                        quint32 chanceSeed)
     : next(link)
     , time(clock)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "AxisRegisters.h"
+#include "AxisAddresses.h"
 #include "Fault.h"
 #include "ModuleLink.h"
 #include "PositionPacking.h"
@@ -43,7 +43,7 @@ public:
     static constexpr qint64 jumpPeriodNs = 500000000;
 
     /// Refers to link and clock, owns neither.
-    FaultyLink(ModuleLink &link, Clock &clock, const AxisRegisters &registers,
+    FaultyLink(ModuleLink &link, Clock &clock, const AxisAddresses &registers,
                quint32 seed = defaultSeed);
 
     void setActions(const FaultActions &newActions) { actions = newActions; }
@@ -114,7 +114,7 @@ private:
 
     ModuleLink &next;
     Clock &time;
-    AxisRegisters known;
+    AxisAddresses known;
     FaultActions actions;
     quint32 seed;
     std::map<FaultKind, Running> faults;

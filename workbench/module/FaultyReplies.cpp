@@ -1,5 +1,4 @@
 #include "Clock.h"
-#include "DualAxisMotion.h"
 #include "FaultyLink.h"
 
 namespace bench {

@@ -2,6 +2,12 @@
 
 namespace bench {
 
+constexpr int axisCount = 2;
+
+/// The ends of an axis: signed 24-bit numbers.
+constexpr int minimumPosition = -8388608;
+constexpr int maximumPosition = 8388607;
+
 /// The user function that asks for both positions.
 constexpr unsigned char bothPositionsFunction = 0xFD;
 
@@ -25,7 +31,7 @@ struct PositionReply
     unsigned int value = 0;
 };
 
-/// Packs two positions of -8388608 to 8388607.
+/// Packs two positions of minimumPosition to maximumPosition.
 PositionReply packPositions(int axis0, int axis1);
 
 /// The position of axis 0 or 1 in a reply.

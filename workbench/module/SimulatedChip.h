@@ -2,6 +2,7 @@
 
 #include "ChipDescription.h"
 #include "DualAxisMotion.h"
+#include "RegisterDevice.h"
 
 #include <QHash>
 
@@ -17,7 +18,7 @@ namespace bench {
 /// happens at the time last given. Registers that a description leaves out count as 0. XACTUAL,
 /// VACTUAL and STATUS of an axis are measured; a description that lets the host write them gets a
 /// write that is accepted and without effect.
-class SimulatedChip
+class SimulatedChip : public RegisterDevice
 {
 public:
     explicit SimulatedChip(ChipDescription description);
@@ -25,22 +26,22 @@ public:
     const ChipDescription &description() const { return chip; }
 
     /// Lets the axes run up to `ns`. A time before the one last given is ignored.
-    void advanceTo(qint64 ns) { motion.advanceTo(ns); }
+    void advanceTo(qint64 ns) override { motion.advanceTo(ns); }
 
     /// False, with `value` left alone, for an unknown address and a write-only register.
-    bool read(unsigned int address, int *value) const;
+    bool read(unsigned int address, int *value) const override;
 
     /// False, with nothing changed, for an unknown address and a read-only register. A register
     /// keeps the bits that its fields cover, all 32 when it has none; a register of a single signed
     /// field from bit 0 reads as that field's signed value.
-    bool write(unsigned int address, int value);
+    bool write(unsigned int address, int value) override;
 
     /// Back to reset values and standstill at the reset positions, as after a brown-out. Time goes
     /// on.
     void reset();
 
     /// The position of axis 0 or 1 in position units, saturated to signed 24 bits.
-    int position(int axis) const { return motion.position(axis); }
+    int position(int axis) const override { return motion.position(axis); }
 
     /// True while either axis has a velocity.
     bool isMoving() const { return motion.velocity(0) != 0 || motion.velocity(1) != 0; }

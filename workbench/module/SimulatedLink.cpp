@@ -2,12 +2,12 @@
 
 #include "Clock.h"
 #include "PositionPacking.h"
-#include "SimulatedChip.h"
+#include "RegisterDevice.h"
 
 namespace bench {
 
-SimulatedLink::SimulatedLink(SimulatedChip &simulatedChip, Clock &requestClock)
-    : chip(simulatedChip)
+SimulatedLink::SimulatedLink(RegisterDevice &reachedDevice, Clock &requestClock)
+    : device(reachedDevice)
     , clock(requestClock)
 {
 }
@@ -16,21 +16,21 @@ void SimulatedLink::beginRequest()
 {
     if (costNs > 0)
         clock.wait(costNs);
-    chip.advanceTo(clock.now());
+    device.advanceTo(clock.now());
 }
 
 bool SimulatedLink::readRegister(unsigned int address, unsigned char, int *value)
 {
     ++requests.reads;
     beginRequest();
-    return chip.read(address, value);
+    return device.read(address, value);
 }
 
 bool SimulatedLink::writeRegister(unsigned int address, unsigned char, int value)
 {
     ++requests.writes;
     beginRequest();
-    return chip.write(address, value);
+    return device.write(address, value);
 }
 
 bool SimulatedLink::userFunction(unsigned char *a, unsigned char *b, unsigned char function,
@@ -40,7 +40,7 @@ bool SimulatedLink::userFunction(unsigned char *a, unsigned char *b, unsigned ch
     beginRequest();
     if (function != bothPositionsFunction)
         return false;
-    const PositionReply packed = packPositions(chip.position(0), chip.position(1));
+    const PositionReply packed = packPositions(device.position(0), device.position(1));
     *a = packed.a;
     *b = packed.b;
     *reply = packed.value;

@@ -7,12 +7,12 @@
 namespace bench {
 
 class Clock;
-class SimulatedChip;
+class RegisterDevice;
 
-/// The way from the host to a simulated chip. Each request blocks for a fixed time on the clock and
-/// then acts on the chip as it is at that moment. It mirrors a link that always works: the only
-/// requests that fail are those that the chip or the firmware refuses. All motors lead to the same
-/// chip.
+/// The way from the host to a device. Each request blocks for a fixed time on the clock and then
+/// acts on the device as it is at that moment. It mirrors a link that always works: the only
+/// requests that fail are those that the device or its firmware refuses. All motors lead to the
+/// same device.
 class SimulatedLink : public ModuleLink
 {
 public:
@@ -27,7 +27,7 @@ public:
     };
 
     /// Refers to both, owns neither.
-    SimulatedLink(SimulatedChip &chip, Clock &clock);
+    SimulatedLink(RegisterDevice &device, Clock &clock);
 
     static constexpr qint64 defaultRequestCostNs = 500000;
 
@@ -47,7 +47,7 @@ public:
 private:
     void beginRequest();
 
-    SimulatedChip &chip;
+    RegisterDevice &device;
     Clock &clock;
     qint64 costNs = defaultRequestCostNs;
     RequestCounts requests;

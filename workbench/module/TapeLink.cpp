@@ -20,7 +20,7 @@ TapeEntry makeRequest(TapeEntry::Kind kind, unsigned int address, unsigned char 
 
 } // namespace
 
-TapeLink::TapeLink(const Tape &tape, Clock &tapeClock, const AxisRegisters &registers)
+TapeLink::TapeLink(const Tape &tape, Clock &tapeClock, const AxisAddresses &registers)
     : entries(tape.entries)
     , clock(tapeClock)
     , known(registers)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "AxisRegisters.h"
+#include "AxisAddresses.h"
 #include "ModuleLink.h"
 #include "SimulatedLink.h"
 #include "Tape.h"
@@ -34,7 +34,7 @@ class TapeLink : public ModuleLink
 {
 public:
     /// The tape begins now. `clock` is not owned. `registers` tells what is measured.
-    TapeLink(const Tape &tape, Clock &clock, const AxisRegisters &registers);
+    TapeLink(const Tape &tape, Clock &clock, const AxisAddresses &registers);
 
     /// Called for each deviation with one line of English.
     std::function<void(const QString &)> onDeviation;
@@ -114,7 +114,7 @@ private:
 
     QVector<TapeEntry> entries;
     Clock &clock;
-    AxisRegisters known;
+    AxisAddresses known;
     QHash<quint64, Track> tracks;
     Track positions;    ///< all answered requests for both
     int lastWrite = -1; ///< repeated last
