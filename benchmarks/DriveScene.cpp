@@ -14,9 +14,9 @@ constexpr int sampleIntervalMs = 0;
 constexpr int movingIntervalMs = 50;
 constexpr int idleIntervalMs = 100;
 
-bench::ChipDescription chipDescription()
+workbench::ChipDescription chipDescription()
 {
-    const std::optional<bench::ChipDescription> description = readShippedChip();
+    const std::optional<workbench::ChipDescription> description = readShippedChip();
     if (!description)
         qFatal("The chip description is missing beside the program.");
     return *description;

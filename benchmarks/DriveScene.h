@@ -27,8 +27,8 @@ public:
     ~DriveScene();
 
     ToolsInterface *tool() const { return working.get(); }
-    bench::SimulatedModule &module() { return simulated; }
-    bench::Clock &clock() { return steady; }
+    workbench::SimulatedModule &module() { return simulated; }
+    workbench::Clock &clock() { return steady; }
     QtCharts::QChartView *view() const { return chartView; }
     QtCharts::QChart *chart() const { return chartView->chart(); }
     QtCharts::QLineSeries *trace() const;
@@ -69,8 +69,8 @@ private:
     void setLimit(const char *name, int value) const;
     int timerId(int intervalMs) const;
 
-    bench::SteadyClock steady;
-    bench::SimulatedModule simulated;
+    workbench::SteadyClock steady;
+    workbench::SimulatedModule simulated;
     QuietLink quiet;
     int reach;
     std::unique_ptr<ToolsInterface> working;

@@ -23,7 +23,7 @@ LongMove::LongMove(int tracePoints, int requestCostUs)
     drive.pressStart();
     drive.refill(tracePoints);
     drive.endMove();
-    bench::SimulatedLink &link = drive.module().link();
+    workbench::SimulatedLink &link = drive.module().link();
     link.setRequestCostNs(qint64(requestCostUs) * requestUsToNs);
     drive.connectTo(&link);
 }

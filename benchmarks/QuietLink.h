@@ -24,7 +24,8 @@ struct QuietLink : ModuleLink
     bool userFunction(unsigned char *a, unsigned char *b, unsigned char, unsigned char,
                       unsigned char, unsigned int *reply) override
     {
-        const bench::PositionReply packed = bench::packPositions(position.x(), position.y());
+        const workbench::PositionReply packed =
+            workbench::packPositions(position.x(), position.y());
         *a = packed.a;
         *b = packed.b;
         *reply = packed.value;

@@ -39,7 +39,7 @@ void measureTool(DriveScene &scene, int durationMs, Duty &duty)
 
 void measureLink(DriveScene &scene, int durationMs, Duty &duty)
 {
-    bench::SimulatedLink &link = scene.module().link();
+    workbench::SimulatedLink &link = scene.module().link();
     const qint64 start = scene.clock().now();
     const qint64 end = start + qint64(durationMs) * 1000000;
     qint64 requests = 0;

@@ -9,20 +9,20 @@
 #include <algorithm>
 #include <tuple>
 
-using bench::ChipDescription;
-using bench::FieldDescription;
-using bench::RegisterAccess;
-using bench::RegisterDescription;
+using workbench::ChipDescription;
+using workbench::FieldDescription;
+using workbench::RegisterAccess;
+using workbench::RegisterDescription;
 
 namespace fuzz {
 namespace {
 
-std::optional<ChipDescription> read(const QByteArray &bytes, bench::ChipDescriptionError *error)
+std::optional<ChipDescription> read(const QByteArray &bytes, workbench::ChipDescriptionError *error)
 {
     QBuffer buffer;
     buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);
-    return bench::readChipDescription(&buffer, error);
+    return workbench::readChipDescription(&buffer, error);
 }
 
 QString accessText(RegisterAccess access)
@@ -152,7 +152,7 @@ QString checkRegisters(const ChipDescription &chip)
 
 QString checkReadsTheSame(const ChipDescription &chip)
 {
-    bench::ChipDescriptionError error;
+    workbench::ChipDescriptionError error;
     const std::optional<ChipDescription> again = read(written(chip), &error);
     if (!again)
         return QStringLiteral("written anew it is refused: ") + error.reason;
@@ -166,7 +166,7 @@ QString checkReadsTheSame(const ChipDescription &chip)
 
 QString checkChipDescription(const QByteArray &bytes)
 {
-    bench::ChipDescriptionError error;
+    workbench::ChipDescriptionError error;
     const std::optional<ChipDescription> chip = read(bytes, &error);
     if (!chip)
         return checkFault(bytes, error.line, error.reason);

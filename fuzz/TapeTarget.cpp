@@ -7,23 +7,23 @@
 namespace fuzz {
 namespace {
 
-using bench::Tape;
-using bench::TapeEntry;
+using workbench::Tape;
+using workbench::TapeEntry;
 
-std::optional<Tape> read(const QByteArray &bytes, bench::TapeError *error)
+std::optional<Tape> read(const QByteArray &bytes, workbench::TapeError *error)
 {
     QBuffer buffer;
     buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);
-    return bench::readTape(&buffer, error);
+    return workbench::readTape(&buffer, error);
 }
 
 QByteArray written(const Tape &tape)
 {
-    QByteArray bytes = bench::tapeHeader() + '\n';
+    QByteArray bytes = workbench::tapeHeader() + '\n';
     for (const TapeEntry &entry : tape.entries)
-        bytes += bench::tapeLine(entry) + '\n';
-    return bytes + bench::tapeEnd(tape.entries.size()) + '\n';
+        bytes += workbench::tapeLine(entry) + '\n';
+    return bytes + workbench::tapeEnd(tape.entries.size()) + '\n';
 }
 
 QString checkEntries(const Tape &tape)
@@ -35,7 +35,7 @@ QString checkEntries(const Tape &tape)
         latestNs = entry.repliedNs();
         if (entry.address > (entry.kind == TapeEntry::UserFunction ? 0xFFu : 0xFFFFu))
             return QStringLiteral("an address out of range");
-        if (bench::tapeLine(entry).size() >= bench::maximumTapeLine)
+        if (workbench::tapeLine(entry).size() >= workbench::maximumTapeLine)
             return QStringLiteral("a line that would be too long to read");
     }
     return QString();
@@ -43,7 +43,7 @@ QString checkEntries(const Tape &tape)
 
 QString checkReadsTheSame(const Tape &tape)
 {
-    bench::TapeError error;
+    workbench::TapeError error;
     const std::optional<Tape> again = read(written(tape), &error);
     if (!again)
         return QStringLiteral("written anew it is refused: ") + error.reason;
@@ -55,7 +55,7 @@ QString checkReadsTheSame(const Tape &tape)
 
 QString checkTape(const QByteArray &bytes)
 {
-    bench::TapeError error;
+    workbench::TapeError error;
     const std::optional<Tape> tape = read(bytes, &error);
     if (!tape)
         return checkFault(bytes, error.line, error.reason);

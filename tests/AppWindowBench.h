@@ -29,7 +29,7 @@ class AppWindow
 public:
     static constexpr int timeoutMs = 60000;
 
-    AppWindow(bench::MainWindow *mainWindow, ToolsInterface *driveTool)
+    AppWindow(workbench::MainWindow *mainWindow, ToolsInterface *driveTool)
         : window(mainWindow)
         , tool(driveTool)
         , panel(driveTool)
@@ -38,8 +38,8 @@ public:
 
     bool waitFor(const std::function<bool()> &condition) const
     {
-        bench::EventWait wait;
-        return wait.until(condition, timeoutMs) == bench::WaitResult::Happened;
+        workbench::EventWait wait;
+        return wait.until(condition, timeoutMs) == workbench::WaitResult::Happened;
     }
 
     /// Closes in on the point, so that a pixel is about a unit, and clicks on it. What is still to
@@ -47,7 +47,7 @@ public:
     bool pick(const QPoint &target)
     {
         constexpr int triesWithoutChange = 20;
-        const bench::PanelView view = bench::closeUp(target, panel.widestView());
+        const workbench::PanelView view = workbench::closeUp(target, panel.widestView());
         QRectF seen;
         int unchanged = 0;
         const auto isLaidOut = [&] {
@@ -88,10 +88,10 @@ public:
         return qobject_cast<QtCharts::QXYSeries *>(all.value(2))->pointsVector();
     }
 
-    bench::MainWindow *window;
+    workbench::MainWindow *window;
     ToolsInterface *tool;
     bool endsByItself = false; ///< nobody is to close the window
-    bench::PanelDriver panel;
+    workbench::PanelDriver panel;
 };
 
 using AppScript = std::function<void(AppWindow &)>;
@@ -106,10 +106,10 @@ inline AppScript &appScript()
 /// window, if the application is not about to end anyway.
 inline void playAppScript()
 {
-    bench::MainWindow *window = nullptr;
+    workbench::MainWindow *window = nullptr;
     const auto widgets = QApplication::topLevelWidgets();
     for (QWidget *const widget : widgets) {
-        if (auto *const candidate = qobject_cast<bench::MainWindow *>(widget))
+        if (auto *const candidate = qobject_cast<workbench::MainWindow *>(widget))
             window = candidate;
     }
     QVERIFY(window);
@@ -143,6 +143,6 @@ inline int runApp(const QStringList &arguments, const AppScript &script)
         hasPlayed = true;
         script(app);
     };
-    const int code = bench::runApplication(static_cast<int>(texts.size()), pointers.data());
+    const int code = workbench::runApplication(static_cast<int>(texts.size()), pointers.data());
     return hasPlayed ? code : -1;
 }

@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-using namespace bench;
+using namespace workbench;
 
 RampSettings ramp(int vMax, int aMax, int dMax)
 {

@@ -18,18 +18,18 @@ constexpr qint64 msInNs = 1000000;
 using Positions = std::array<int, 2>;
 
 /// A ramp without stages.
-bench::RampSettings ramp(int vMax, int aMax, int dMax);
+workbench::RampSettings ramp(int vMax, int aMax, int dMax);
 
 /// The ramp of the chip that comes with the workbench.
-bench::RampSettings shippedRamp();
+workbench::RampSettings shippedRamp();
 
-void setRamp(bench::SimulatedChip &chip, int axis, const bench::RampSettings &settings);
-void setMode(bench::SimulatedChip &chip, int mode);
-void setTarget(bench::SimulatedChip &chip, int axis, int target);
-void setTargets(bench::SimulatedChip &chip, int target0, int target1);
+void setRamp(workbench::SimulatedChip &chip, int axis, const workbench::RampSettings &settings);
+void setMode(workbench::SimulatedChip &chip, int mode);
+void setTarget(workbench::SimulatedChip &chip, int axis, int target);
+void setTargets(workbench::SimulatedChip &chip, int target0, int target1);
 
 /// Starts a linked pair from standstill, so that neither axis leaves before the other.
-void startLinked(bench::SimulatedChip &chip, int target0, int target1);
+void startLinked(workbench::SimulatedChip &chip, int target0, int target1);
 
 /// How far a point is from the line through the origin and the target.
 double distanceFromLine(const Positions &point, double target0, double target1);

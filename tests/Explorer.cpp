@@ -108,12 +108,12 @@ void Explorer::apply(const Event &event)
         nested = event;
         return;
     }
-    using bench::FaultKind;
+    using workbench::FaultKind;
     const bool hadSpin = bench.faulty.isOn(FaultKind::Spin);
     const bool isNesting = nested.has_value();
     wasUpdate = event.kind == Event::Update && !hadSpin && !isNesting;
     if (isNesting) {
-        bench.faulty.switchOn(bench::presetFault(FaultKind::Spin));
+        bench.faulty.switchOn(workbench::presetFault(FaultKind::Spin));
         bench.postInStep(nested->a, [this] { actInside(); });
         bench.hostSide.keepCounting(true);
     }
@@ -210,7 +210,7 @@ void Explorer::actOnModule(const Event &event)
     } else if (event.kind == Event::FaultOn) {
         switchOn(event);
     } else if (event.kind == Event::FaultOff) {
-        bench.faulty.switchOff(bench::faultTable().at(event.a).kind);
+        bench.faulty.switchOff(workbench::faultTable().at(event.a).kind);
     } else if (event.kind == Event::AllFaultsOff) {
         bench.faulty.switchOffAll();
     } else {
@@ -224,13 +224,13 @@ void Explorer::actOnModule(const Event &event)
 
 void Explorer::switchOn(const Event &event)
 {
-    const bench::FaultInfo &info = bench::faultTable().at(event.a);
-    const bool isFinal = info.kind == bench::FaultKind::DeleteRegisters ||
-                         info.kind == bench::FaultKind::DeleteWidgets;
+    const workbench::FaultInfo &info = workbench::faultTable().at(event.a);
+    const bool isFinal = info.kind == workbench::FaultKind::DeleteRegisters ||
+                         info.kind == workbench::FaultKind::DeleteWidgets;
     // What does not come back would make the rest of too many sequences poor.
     if (isFinal && event.b % 8 != 0)
         return;
-    bench::Fault fault = bench::presetFault(info.kind);
+    workbench::Fault fault = workbench::presetFault(info.kind);
     if (info.parameter && event.b % 2 != 0 && !isFinal) {
         const double part = (event.b & 0xFF) / 255.0;
         const double most = qMin(info.parameter->maximum, qMax(1.0, info.parameter->preset * 4));

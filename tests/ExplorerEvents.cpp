@@ -124,7 +124,7 @@ Event anyEvent(Dice &dice)
         break;
     case Event::FaultOn:
     case Event::FaultOff:
-        event.a = dice.between(0, bench::faultTable().size() - 1);
+        event.a = dice.between(0, workbench::faultTable().size() - 1);
         break;
     case Event::Nested:
         event.a = dice.oneIn(2) ? dice.between(0, 1) : dice.between(0, 8);
@@ -154,7 +154,7 @@ QString textOf(const ExplorerEvent &event)
         return text +
                QStringLiteral(" in step %1: %2").arg(event.a).arg(QLatin1String(nameOf(event.b)));
     if (event.kind == Event::FaultOn || event.kind == Event::FaultOff)
-        text += QLatin1Char(' ') + bench::faultTable().at(event.a).name;
+        text += QLatin1Char(' ') + workbench::faultTable().at(event.a).name;
     return text + QStringLiteral(" {%1, %2}").arg(event.a).arg(event.b);
 }
 

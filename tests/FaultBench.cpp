@@ -19,7 +19,7 @@
 #include <QTimerEvent>
 #include <QToolButton>
 
-using bench::FaultActions;
+using workbench::FaultActions;
 
 namespace {
 
@@ -39,7 +39,7 @@ int inRegister(int value)
     return ((value & positionBits) ^ signBit) - signBit;
 }
 
-bench::ChipDescription shippedChip()
+workbench::ChipDescription shippedChip()
 {
     const auto chip = readShippedChip();
     if (!chip)
@@ -53,11 +53,11 @@ QString nextModuleKey()
     return QStringLiteral("faulty-%1/").arg(++number);
 }
 
-void deleteRegisters(QVXLModuleInterface &module, const bench::ChipDescription &chip)
+void deleteRegisters(QVXLModuleInterface &module, const workbench::ChipDescription &chip)
 {
     XmlProductIC *product = module.getIcProduct(0);
-    for (const bench::RegisterDescription &described : chip.registers) {
-        for (const bench::FieldDescription &field : described.fields)
+    for (const workbench::RegisterDescription &described : chip.registers) {
+        for (const workbench::FieldDescription &field : described.fields)
             delete product->getRegisterFieldByIdentifier(field.identifier, false, false);
         delete product->getRegisterByName(described.name, true);
     }
@@ -436,7 +436,7 @@ void FaultBench::hostWrites(unsigned int at, int value)
     if (hostSide.count() > mostRequestsPerEvent)
         violation(QStringLiteral("an event makes requests without end"));
     const auto *described = module.chip().description().findRegister(at);
-    if (!described || described->access == bench::RegisterAccess::ReadOnly)
+    if (!described || described->access == workbench::RegisterAccess::ReadOnly)
         violation(QStringLiteral("write to the read-only register at %1").arg(at));
     if (foreignWrite == at) {
         foreignWrite.reset();

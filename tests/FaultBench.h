@@ -71,13 +71,13 @@ private:
 class FaultBench : public QObject
 {
 public:
-    explicit FaultBench(quint32 seed = bench::FaultyLink::defaultSeed);
+    explicit FaultBench(quint32 seed = workbench::FaultyLink::defaultSeed);
     ~FaultBench() override;
 
-    bench::SteppedClock clock;
-    bench::SimulatedModule module;
+    workbench::SteppedClock clock;
+    workbench::SimulatedModule module;
     WatchedLink chipSide; ///< what the faults let through
-    bench::FaultyLink faulty;
+    workbench::FaultyLink faulty;
     WatchedLink hostSide; ///< what the host asks for
 
     ToolsInterface *tool() const { return working.data(); }
@@ -129,7 +129,7 @@ public:
     QPoint chipPosition();
     int chipValue(const char *name);
     unsigned int address(const char *name);
-    const bench::AxisAddresses &axisRegisters() const { return known; }
+    const workbench::AxisAddresses &axisRegisters() const { return known; }
     /// Writes a register as another tool of the host does.
     void writeFromElsewhere(const char *name, int value);
     /// Gives the registers that shape the ramps the values of a fresh chip.
@@ -168,7 +168,7 @@ private:
     void buttonChanged(QEvent *event);
     void violation(const QString &text);
 
-    bench::AxisAddresses known;
+    workbench::AxisAddresses known;
     unsigned int rampMode;
     QPointer<ToolsInterface> working;
     QPointer<QObject> watchedTool;

@@ -17,7 +17,7 @@ struct FaultLinkBench
     static constexpr unsigned int target0 = 0x12;
     static constexpr unsigned int setting = 0x13;
 
-    explicit FaultLinkBench(quint32 seed = bench::FaultyLink::defaultSeed)
+    explicit FaultLinkBench(quint32 seed = workbench::FaultyLink::defaultSeed)
         : link(device, clock, {{0x10, 0x20}, {0x11, 0x21}, {0x12, 0x22}}, seed)
     {
         device.onRequest = [this] { clock.advance(msInNs); };
@@ -29,7 +29,7 @@ struct FaultLinkBench
     /// Switches a fault on as the user writes it; false when that cannot be read.
     bool on(const char *text)
     {
-        const auto parsed = bench::parseFault(QLatin1String(text));
+        const auto parsed = workbench::parseFault(QLatin1String(text));
         if (parsed.fault)
             link.switchOn(*parsed.fault);
         return parsed.fault.has_value();
@@ -52,8 +52,9 @@ struct FaultLinkBench
 
     QString positions()
     {
-        bench::PositionReply reply{leftByte, leftByte, leftAlone};
-        if (link.userFunction(&reply.a, &reply.b, bench::bothPositionsFunction, 0, 0, &reply.value))
+        workbench::PositionReply reply{leftByte, leftByte, leftAlone};
+        if (link.userFunction(&reply.a, &reply.b, workbench::bothPositionsFunction, 0, 0,
+                              &reply.value))
             return QStringLiteral("%1,%2")
                 .arg(unpackPosition(reply, 0))
                 .arg(unpackPosition(reply, 1));
@@ -75,7 +76,7 @@ struct FaultLinkBench
     static constexpr int leftAlone = 123456;
     static constexpr unsigned char leftByte = 0x48;
 
-    bench::SteppedClock clock;
+    workbench::SteppedClock clock;
     RecordingLink device;
-    bench::FaultyLink link;
+    workbench::FaultyLink link;
 };

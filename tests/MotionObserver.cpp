@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-using bench::SimulatedChip;
+using workbench::SimulatedChip;
 
 int readByName(const SimulatedChip &chip, const QString &name)
 {
@@ -138,8 +138,8 @@ void MotionObserver::check(int axis, const Sample &now, double seconds)
     const double travelled = now.position[i] - last.position[i];
     const double deviation = std::abs(travelled - (v0 + v1) / 2 * seconds);
     const double allowedDeviation = rate * seconds * seconds + seconds + 1 + 1e-6;
-    const bool atEnd =
-        now.position[i] == bench::minimumPosition || now.position[i] == bench::maximumPosition;
+    const bool atEnd = now.position[i] == workbench::minimumPosition ||
+                       now.position[i] == workbench::maximumPosition;
     if (deviation > allowedDeviation && !atEnd)
         fail(axis, "position is off the velocity by", deviation, allowedDeviation);
 

@@ -7,8 +7,8 @@
 #include <array>
 
 /// Registers of a chip by name. Unknown names and refused requests read as 0 and write nothing.
-int readByName(const bench::SimulatedChip &chip, const QString &name);
-bool writeByName(bench::SimulatedChip &chip, const QString &name, int value);
+int readByName(const workbench::SimulatedChip &chip, const QString &name);
+bool writeByName(workbench::SimulatedChip &chip, const QString &name, int value);
 
 /// "M0_VMAX" from 0 and "VMAX".
 QString axisRegister(int axis, const char *name);
@@ -21,7 +21,7 @@ class MotionObserver
 {
 public:
     /// `timeNs` is how late the chip is already.
-    explicit MotionObserver(bench::SimulatedChip &chip, qint64 timeNs = 0);
+    explicit MotionObserver(workbench::SimulatedChip &chip, qint64 timeNs = 0);
 
     void step(qint64 ns);
     void run(double seconds, qint64 stepNs = 1000000);
@@ -57,7 +57,7 @@ private:
     double fastestRate(int axis, double low, double high) const;
     void fail(int axis, const char *what, double value, double limit);
 
-    bench::SimulatedChip &chip;
+    workbench::SimulatedChip &chip;
     std::array<std::array<unsigned int, registerCount>, 2> addresses{};
     qint64 timeNs;
     Sample last;

@@ -21,7 +21,7 @@ void PositionBench::init()
     const auto chip = readShippedChip();
     QVERIFY(chip);
     link = RecordingLink();
-    simulated = std::make_unique<bench::SimulatedModule>(*chip, clock, QStringLiteral("sim/"));
+    simulated = std::make_unique<workbench::SimulatedModule>(*chip, clock, QStringLiteral("sim/"));
     simulated->link().setRequestCostNs(0);
     open();
 }

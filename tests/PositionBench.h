@@ -45,7 +45,7 @@ protected:
     QPolygonF profile() const;
     QString message() const;
 
-    bench::SteppedClock clock;
+    workbench::SteppedClock clock;
     RecordingLink link;
-    std::unique_ptr<bench::SimulatedModule> simulated;
+    std::unique_ptr<workbench::SimulatedModule> simulated;
 };

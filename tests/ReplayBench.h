@@ -20,12 +20,12 @@ public:
     static constexpr qint64 msInNs = 1000000;
 
     ReplayBench()
-        : module(readShippedChip().value_or(bench::ChipDescription()), clock)
+        : module(readShippedChip().value_or(workbench::ChipDescription()), clock)
     {
     }
     ~ReplayBench() { delete tool; }
 
-    bench::AxisAddresses registers() { return module.chip().description().axisAddresses(); }
+    workbench::AxisAddresses registers() { return module.chip().description().axisAddresses(); }
 
     /// Makes the tool, whose requests go to `link`.
     void begin(ModuleLink *link)
@@ -85,8 +85,8 @@ public:
         return tool->findChild<QToolButton *>(QStringLiteral("pbStart"));
     }
 
-    bench::SteppedClock clock;
-    bench::SimulatedModule module;
+    workbench::SteppedClock clock;
+    workbench::SimulatedModule module;
 
 private:
     static constexpr qint64 updatePeriodNs = 50 * msInNs;

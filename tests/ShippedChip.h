@@ -9,12 +9,12 @@
 
 /// The chip description that comes with the workbench, found in the build tree relative to the test
 /// program; nothing when it is missing or faulty.
-inline std::optional<bench::ChipDescription>
-readShippedChip(bench::ChipDescriptionError *error = nullptr)
+inline std::optional<workbench::ChipDescription>
+readShippedChip(workbench::ChipDescriptionError *error = nullptr)
 {
     QFile file(QCoreApplication::applicationDirPath() +
                QStringLiteral("/../share/workbench/chips/dual-axis.xml"));
     if (!file.open(QIODevice::ReadOnly))
         return std::nullopt;
-    return bench::readChipDescription(&file, error);
+    return workbench::readChipDescription(&file, error);
 }

@@ -13,15 +13,15 @@ inline constexpr unsigned int setting = 0x13;
 inline constexpr unsigned int target0 = 0x12;
 inline constexpr unsigned int target1 = 0x22;
 
-inline const bench::AxisAddresses registers{
+inline const workbench::AxisAddresses registers{
     {position0, 0x20}, {velocity0, 0x21}, {target0, target1}};
 
 /// A tape that is put together line by line; each request takes a millisecond.
 struct TapeMaker
 {
-    bench::Tape tape;
+    workbench::Tape tape;
 
-    TapeMaker &add(bench::TapeEntry entry, int askedMs)
+    TapeMaker &add(workbench::TapeEntry entry, int askedMs)
     {
         entry.askedNs = askedMs * msInNs;
         entry.tookNs = msInNs;
@@ -32,7 +32,7 @@ struct TapeMaker
 
     TapeMaker &read(int askedMs, unsigned int address, int value)
     {
-        bench::TapeEntry entry;
+        workbench::TapeEntry entry;
         entry.address = address;
         entry.value = value;
         return add(entry, askedMs);
@@ -40,8 +40,8 @@ struct TapeMaker
 
     TapeMaker &write(int askedMs, unsigned int address, int value)
     {
-        bench::TapeEntry entry;
-        entry.kind = bench::TapeEntry::Write;
+        workbench::TapeEntry entry;
+        entry.kind = workbench::TapeEntry::Write;
         entry.address = address;
         entry.value = value;
         return add(entry, askedMs);
@@ -49,11 +49,11 @@ struct TapeMaker
 
     TapeMaker &positions(int askedMs, int x, int y)
     {
-        bench::TapeEntry entry;
-        entry.kind = bench::TapeEntry::UserFunction;
-        entry.address = bench::bothPositionsFunction;
+        workbench::TapeEntry entry;
+        entry.kind = workbench::TapeEntry::UserFunction;
+        entry.address = workbench::bothPositionsFunction;
         entry.b = 0x48;
-        const bench::PositionReply reply = bench::packPositions(x, y);
+        const workbench::PositionReply reply = workbench::packPositions(x, y);
         entry.replyA = reply.a;
         entry.replyB = reply.b;
         entry.reply = reply.value;
@@ -88,11 +88,12 @@ struct Player
 
     QString positions()
     {
-        bench::PositionReply reply{1, 2, 3};
-        if (link.userFunction(&reply.a, &reply.b, bench::bothPositionsFunction, 0, 0, &reply.value))
+        workbench::PositionReply reply{1, 2, 3};
+        if (link.userFunction(&reply.a, &reply.b, workbench::bothPositionsFunction, 0, 0,
+                              &reply.value))
             return QStringLiteral("%1,%2")
-                .arg(bench::unpackPosition(reply, 0))
-                .arg(bench::unpackPosition(reply, 1));
+                .arg(workbench::unpackPosition(reply, 0))
+                .arg(workbench::unpackPosition(reply, 1));
         return reply.a == 1 && reply.b == 2 && reply.value == 3
                    ? QStringLiteral("failed")
                    : QStringLiteral("failed, but changed");
@@ -100,7 +101,7 @@ struct Player
 
     bool write(unsigned int address, int value) { return link.writeRegister(address, 0, value); }
 
-    bench::SteppedClock clock;
-    bench::TapeLink link;
+    workbench::SteppedClock clock;
+    workbench::TapeLink link;
     QStringList deviations;
 };

@@ -2,9 +2,9 @@
 
 #include <QTest>
 
-using bench::CommandLine;
-using bench::Options;
-using bench::parseCommandLine;
+using workbench::CommandLine;
+using workbench::Options;
+using workbench::parseCommandLine;
 
 namespace {
 

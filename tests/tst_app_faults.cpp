@@ -20,7 +20,7 @@
 #include <QPointer>
 #include <QTest>
 
-using namespace bench;
+using namespace workbench;
 
 class AppFaultsTest : public QObject
 {

@@ -4,7 +4,7 @@
 
 #include <QImage>
 
-using namespace bench;
+using namespace workbench;
 
 namespace {
 

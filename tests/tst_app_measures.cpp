@@ -5,7 +5,7 @@
 
 #include <QTest>
 
-using namespace bench;
+using namespace workbench;
 
 namespace {
 
@@ -25,7 +25,7 @@ MoveResult moveThrough(const QVector<Sample> &samples)
 
 } // namespace
 
-Q_DECLARE_METATYPE(bench::PanelView)
+Q_DECLARE_METATYPE(workbench::PanelView)
 
 class MeasuresTest : public QObject
 {

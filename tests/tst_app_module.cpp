@@ -9,9 +9,9 @@
 
 #include <QTest>
 
-using bench::Sample;
-using bench::SampleTap;
-using bench::SimulatedModule;
+using workbench::Sample;
+using workbench::SampleTap;
+using workbench::SimulatedModule;
 
 class SimulatedModuleTest : public QObject
 {
@@ -36,7 +36,7 @@ private:
         return module->hostModule().getIcProduct(0)->getRegisterByName(QLatin1String(name), true);
     }
 
-    bench::SteppedClock clock;
+    workbench::SteppedClock clock;
     std::unique_ptr<SimulatedModule> module;
 };
 

@@ -15,8 +15,8 @@
 
 #include <memory>
 
-using bench::PluginLoader;
-using bench::RejectedFile;
+using workbench::PluginLoader;
+using workbench::RejectedFile;
 
 namespace {
 
@@ -87,8 +87,8 @@ private:
     QString fileName(const char *of) const { return QFileInfo(QLatin1String(of)).fileName(); }
 
     std::unique_ptr<QTemporaryDir> folder;
-    bench::SteppedClock clock;
-    std::optional<bench::ChipDescription> chip;
+    workbench::SteppedClock clock;
+    std::optional<workbench::ChipDescription> chip;
 };
 
 void PluginLoaderTest::initTestCase()
@@ -189,10 +189,10 @@ void PluginLoaderTest::reportsAFolderThatDoesNotExist()
 
 void PluginLoaderTest::toolsOutliveTheLoader()
 {
-    bench::SimulatedModule module(*chip, clock);
+    workbench::SimulatedModule module(*chip, clock);
     auto loader = std::make_unique<PluginLoader>();
     loader->loadFile(QStringLiteral(DRIVE_PLUGIN));
-    const auto tools = bench::makeTools(loader->prototypes(), &module.hostModule());
+    const auto tools = workbench::makeTools(loader->prototypes(), &module.hostModule());
     QCOMPARE(tools.size(), 1);
     const std::unique_ptr<ToolsInterface> tool(tools.constFirst());
     loader.reset();
@@ -214,9 +214,9 @@ void PluginLoaderTest::makesOneToolForEachMotorOfItsRule()
 {
     QFETCH(int, type);
     QFETCH(QStringList, keys);
-    bench::SimulatedModule module(*chip, clock);
+    workbench::SimulatedModule module(*chip, clock);
     Prototype prototype(static_cast<ToolsType::Types>(type));
-    const auto tools = bench::makeTools({&prototype}, &module.hostModule());
+    const auto tools = workbench::makeTools({&prototype}, &module.hostModule());
     QStringList made;
     for (ToolsInterface *tool : tools) {
         made << tool->key();
@@ -230,9 +230,9 @@ void PluginLoaderTest::makesOneToolForEachMotorOfItsRule()
 
 void PluginLoaderTest::leavesOutAPrototypeThatMakesNothing()
 {
-    bench::SimulatedModule module(*chip, clock);
+    workbench::SimulatedModule module(*chip, clock);
     Prototype barren(ToolsType::PositionMode, false);
-    QVERIFY(bench::makeTools({&barren}, &module.hostModule()).isEmpty());
+    QVERIFY(workbench::makeTools({&barren}, &module.hostModule()).isEmpty());
 }
 
 QTEST_MAIN(PluginLoaderTest)

@@ -12,7 +12,7 @@
 #include <csignal>
 #include <sys/resource.h>
 
-using bench::RecordWriter;
+using workbench::RecordWriter;
 
 namespace {
 
@@ -201,7 +201,7 @@ void RecordTest::pictureHasTwiceThePanelsSize()
     panel.setAutoFillBackground(true);
     panel.setPalette(QPalette(Qt::darkGreen));
     const QColor expected = panel.palette().color(QPalette::Window);
-    QCOMPARE(bench::savePicture(&panel, path("p.png")), QString());
+    QCOMPARE(workbench::savePicture(&panel, path("p.png")), QString());
     const QImage image(path("p.png"));
     QCOMPARE(image.size(), QSize(240, 160));
     QCOMPARE(image.pixelColor(200, 140), expected);
@@ -211,7 +211,7 @@ void RecordTest::pictureRefusesAFolderThatDoesNotExist()
 {
     QWidget panel;
     const QString name = QStringLiteral("/no/such/folder/p.png");
-    QCOMPARE(bench::savePicture(&panel, name),
+    QCOMPARE(workbench::savePicture(&panel, name),
              name + QStringLiteral(": its folder does not exist"));
 }
 

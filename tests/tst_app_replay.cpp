@@ -5,7 +5,7 @@
 #include <QImage>
 #include <QSet>
 
-using namespace bench;
+using namespace workbench;
 
 namespace {
 

@@ -18,7 +18,7 @@
 #include <algorithm>
 #include <csignal>
 
-using namespace bench;
+using namespace workbench;
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <csignal>
 #include <sys/resource.h>
 
-using namespace bench;
+using namespace workbench;
 
 namespace {
 

@@ -22,8 +22,8 @@
 #include <QStatusBar>
 #include <QTest>
 
-using bench::MainWindow;
-using bench::ToolWindow;
+using workbench::MainWindow;
+using workbench::ToolWindow;
 
 namespace {
 
@@ -97,14 +97,14 @@ private:
         auto *const tool = new StubTool(motor, &module->hostModule());
         tool->setProperty(DynamicProperty::WindowFlags, flags);
         tool->setProperty(DynamicProperty::DoNotAnimate, true);
-        HostRegistry::add(tool, bench::toolKey(module->hostModule().key(), tool, motor));
+        HostRegistry::add(tool, workbench::toolKey(module->hostModule().key(), tool, motor));
         window->addTool(tool);
         return tool;
     }
 
-    bench::SteppedClock clock;
-    std::unique_ptr<bench::MessageLog> log;
-    std::unique_ptr<bench::SimulatedModule> module;
+    workbench::SteppedClock clock;
+    std::unique_ptr<workbench::MessageLog> log;
+    std::unique_ptr<workbench::SimulatedModule> module;
     std::unique_ptr<MainWindow> window;
 };
 
@@ -118,8 +118,8 @@ void WindowTest::init()
 {
     const auto chip = readShippedChip();
     QVERIFY(chip);
-    log = std::make_unique<bench::MessageLog>();
-    module = std::make_unique<bench::SimulatedModule>(*chip, clock);
+    log = std::make_unique<workbench::MessageLog>();
+    module = std::make_unique<workbench::SimulatedModule>(*chip, clock);
     window = std::make_unique<MainWindow>(*module, *log);
     window->show();
 }
@@ -136,7 +136,7 @@ void WindowTest::listsModuleAndToolsWithIconAndName()
 {
     addTool(0);
     addTool(1);
-    const auto *const tree = window->findChild<bench::DeviceTreeView *>();
+    const auto *const tree = window->findChild<workbench::DeviceTreeView *>();
     QCOMPARE(tree->topLevelItemCount(), 1);
     const QTreeWidgetItem *const entry = tree->topLevelItem(0);
     QCOMPARE(entry->text(0), QStringLiteral("Dual axis"));
@@ -205,7 +205,7 @@ void WindowTest::minimisingDoesNotHideTheTool()
 void WindowTest::opensFromTheTree()
 {
     const StubTool *const tool = addTool();
-    auto *const tree = window->findChild<bench::DeviceTreeView *>();
+    auto *const tree = window->findChild<workbench::DeviceTreeView *>();
     tree->setCurrentItem(tree->item(tool->key()));
     QTest::keyClick(tree, Qt::Key_Return);
     QCOMPARE(tool->calls, QStringList{QStringLiteral("show")});
@@ -234,7 +234,7 @@ void WindowTest::tellsSiblings()
 void WindowTest::marksOpenToolsInTheTree()
 {
     const StubTool *const tool = addTool();
-    const auto *const tree = window->findChild<bench::DeviceTreeView *>();
+    const auto *const tree = window->findChild<workbench::DeviceTreeView *>();
     QVERIFY(!tree->item(tool->key())->font(0).bold());
     window->openTool(tool->key());
     QVERIFY(tree->item(tool->key())->font(0).bold());
@@ -279,7 +279,7 @@ void WindowTest::survivesAToolThatIsDeleted()
     const QString key = tool->key();
     window->openTool(key);
     delete tool;
-    QVERIFY(!window->findChild<bench::DeviceTreeView *>()->item(key));
+    QVERIFY(!window->findChild<workbench::DeviceTreeView *>()->item(key));
     window->openTool(key);
     window->toolWindow(key)->close();
     QVERIFY(!window->toolWindow(key)->tool());
@@ -298,7 +298,7 @@ void WindowTest::endTellsTheToolsAndDeletesThem()
 void WindowTest::showsMessagesOfBeforeAndAfter()
 {
     bool hasArrived = false;
-    connect(log.get(), &bench::MessageLog::added, this, [&](const bench::LogEntry &entry) {
+    connect(log.get(), &workbench::MessageLog::added, this, [&](const workbench::LogEntry &entry) {
         hasArrived = hasArrived || entry.text == QLatin1String("said before");
     });
     QTest::ignoreMessage(QtWarningMsg, "said before");
@@ -332,7 +332,7 @@ void WindowTest::showsStatusMessagesOfTools()
 
 void WindowTest::saysWhetherTheAxesMove()
 {
-    auto *const status = window->statusBar()->findChild<bench::ModuleStatus *>();
+    auto *const status = window->statusBar()->findChild<workbench::ModuleStatus *>();
     const auto *const motion =
         window->statusBar()->findChild<QLabel *>(QStringLiteral("motionLabel"));
     const auto *const requests =

@@ -7,7 +7,7 @@
 #include <limits>
 #include <memory>
 
-using namespace bench;
+using namespace workbench;
 
 class TestChip : public QObject
 {

@@ -4,7 +4,7 @@
 #include <QBuffer>
 #include <QtTest>
 
-using namespace bench;
+using namespace workbench;
 
 class TestChipDescription : public QObject
 {

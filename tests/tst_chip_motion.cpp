@@ -7,9 +7,9 @@
 #include <limits>
 #include <memory>
 
-using namespace bench;
+using namespace workbench;
 
-Q_DECLARE_METATYPE(bench::RampSettings)
+Q_DECLARE_METATYPE(workbench::RampSettings)
 
 class TestChipMotion : public QObject
 {

@@ -7,7 +7,7 @@
 
 #include <memory>
 
-using namespace bench;
+using namespace workbench;
 
 class TestChipRetarget : public QObject
 {

@@ -2,7 +2,7 @@
 
 #include <QtTest>
 
-using namespace bench;
+using namespace workbench;
 
 class TestFaultActions : public QObject
 {

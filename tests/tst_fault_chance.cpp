@@ -4,7 +4,7 @@
 
 #include <limits>
 
-using namespace bench;
+using namespace workbench;
 
 // Faults that depend on chance, each with what it gives in many requests.
 static void addFaultsOfChance()

@@ -3,7 +3,7 @@
 
 #include <QtTest>
 
-using namespace bench;
+using namespace workbench;
 
 class TestFaultLink : public QObject
 {

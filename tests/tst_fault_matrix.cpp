@@ -6,8 +6,8 @@
 #include <QSpinBox>
 #include <QTest>
 
-using bench::Fault;
-using bench::FaultKind;
+using workbench::Fault;
+using workbench::FaultKind;
 
 namespace {
 
@@ -206,7 +206,7 @@ void TestFaultMatrix::faultPassesAndTheNextMoveArrives_data()
 {
     QTest::addColumn<int>("kind");
     QTest::addColumn<int>("state");
-    for (const bench::FaultInfo &info : bench::faultTable()) {
+    for (const workbench::FaultInfo &info : workbench::faultTable()) {
         for (int state = 0; state < StateCount; ++state)
             QTest::addRow("%s / %s", qPrintable(info.name), stateNames[state])
                 << static_cast<int>(info.kind) << state;
@@ -217,7 +217,7 @@ void TestFaultMatrix::faultPassesAndTheNextMoveArrives()
 {
     QFETCH(int, kind);
     QFETCH(int, state);
-    const Fault fault = bench::presetFault(static_cast<FaultKind>(kind));
+    const Fault fault = workbench::presetFault(static_cast<FaultKind>(kind));
     if (state == BeingDeleted) {
         verifyDeletions(fault);
         return;

@@ -4,7 +4,7 @@
 #include <QSet>
 #include <QtTest>
 
-using namespace bench;
+using namespace workbench;
 
 class TestFaultNames : public QObject
 {

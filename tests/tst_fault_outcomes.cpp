@@ -5,7 +5,7 @@
 #include <QTest>
 #include <QtCharts/QLineSeries>
 
-using bench::FaultKind;
+using workbench::FaultKind;
 
 class TestFaultOutcomes : public QObject
 {
@@ -29,7 +29,7 @@ void TestFaultOutcomes::failedVelocityReadsDoNotEndAMove()
 {
     FaultBench bench;
     enter(bench, Moving);
-    bench.faulty.switchOn(bench::presetFault(FaultKind::FailReads));
+    bench.faulty.switchOn(workbench::presetFault(FaultKind::FailReads));
     bench.rounds(200);
     QCOMPARE(bench.chipPosition(), firstTarget.toPoint());
     QVERIFY(!bench.isIdle());
@@ -43,7 +43,7 @@ void TestFaultOutcomes::failedPositionRequestShowsTheRequestItself()
 {
     FaultBench bench;
     enter(bench, Moving);
-    bench.faulty.switchOn(bench::presetFault(FaultKind::FailUser));
+    bench.faulty.switchOn(workbench::presetFault(FaultKind::FailUser));
     bench.round();
     // The bytes sent, 00 and 48, and no reply value: 0x004800 and 0.
     QCOMPARE(bench.actual(), QPointF(18432, 0));
@@ -56,7 +56,7 @@ void TestFaultOutcomes::stopAfterAFailedPositionRequestDrivesToWhatIsShown()
 {
     FaultBench bench;
     enter(bench, Moving);
-    bench.faulty.switchOn(bench::presetFault(FaultKind::FailUser));
+    bench.faulty.switchOn(workbench::presetFault(FaultKind::FailUser));
     bench.round();
     bench.pressStop();
     QCOMPARE(bench.chipValue("M0_XTARGET"), 18432);
@@ -76,7 +76,7 @@ void TestFaultOutcomes::startThatCannotReadTheVelocitiesLeavesThemAtZeroAndTheMa
 {
     FaultBench bench;
     enter(bench, Picked);
-    bench.faulty.switchOn(bench::presetFault(FaultKind::FailReads));
+    bench.faulty.switchOn(workbench::presetFault(FaultKind::FailReads));
     bench.pressStart();
     bench.faulty.switchOffAll();
     QVERIFY(bench.settle());
@@ -98,7 +98,7 @@ void TestFaultOutcomes::moveWhoseRegistersAreDeletedNeverEnds()
 {
     FaultBench bench;
     enter(bench, Moving);
-    bench.faulty.switchOn(bench::presetFault(FaultKind::DeleteRegisters));
+    bench.faulty.switchOn(workbench::presetFault(FaultKind::DeleteRegisters));
     bench.rounds(200);
     QCOMPARE(bench.chipPosition(), firstTarget.toPoint());
     bench.pressStop();
@@ -112,7 +112,7 @@ void TestFaultOutcomes::movesWithoutTargetWidgetsGoToTheOldTarget()
 {
     FaultBench bench;
     enter(bench, Moving);
-    bench.faulty.switchOn(bench::presetFault(FaultKind::DeleteWidgets));
+    bench.faulty.switchOn(workbench::presetFault(FaultKind::DeleteWidgets));
     bench.pressStop();
     QVERIFY(bench.settle());
     QCOMPARE(bench.chipPosition(), firstTarget.toPoint());

@@ -3,7 +3,7 @@
 
 #include <QTest>
 
-using bench::FaultKind;
+using workbench::FaultKind;
 
 namespace {
 
@@ -88,7 +88,7 @@ void TestFaultReentry::eventsInTheMiddleOfARequestLeaveTheToolWhole()
     for (int request = 0; hasActed; ++request) {
         FaultBench bench;
         enter(bench, static_cast<State>(state));
-        bench.faulty.switchOn(bench::presetFault(FaultKind::Spin));
+        bench.faulty.switchOn(workbench::presetFault(FaultKind::Spin));
         hasActed = false;
         bench.postInStep(request, [&] {
             hasActed = true;
@@ -109,7 +109,7 @@ void TestFaultReentry::targetPickedInsideTheNewTargetWriteGoesOutWithTheNextTick
     for (int request = 0; request < 2; ++request) {
         FaultBench bench;
         enter(bench, Retargeted);
-        bench.faulty.switchOn(bench::presetFault(FaultKind::Spin));
+        bench.faulty.switchOn(workbench::presetFault(FaultKind::Spin));
         bench.postInStep(request, [&] { bench.pick(lastTarget); });
         bench.updateTick();
         QCOMPARE(bench.target(), lastTarget);
@@ -140,7 +140,7 @@ void TestFaultReentry::stopInsideATargetWriteHasTheLastWord()
     FaultBench bench;
     enter(bench, starts ? Picked : Retargeted);
     const QPointF here = bench.actual();
-    bench.faulty.switchOn(bench::presetFault(FaultKind::Spin));
+    bench.faulty.switchOn(workbench::presetFault(FaultKind::Spin));
     bench.postInStep(step, [&] { bench.pressStop(); });
     if (starts)
         bench.pressStart();
@@ -163,7 +163,7 @@ void TestFaultReentry::updateTickInsideAVelocityReadDrivesNoPointTwiceOrNever()
     bench.sampleTick();
     const int before = bench.starts();
     QCOMPARE(bench.flightIndex(), 1);
-    bench.faulty.switchOn(bench::presetFault(FaultKind::Spin));
+    bench.faulty.switchOn(workbench::presetFault(FaultKind::Spin));
     bench.postInStep(1, [&] { bench.updateTick(); });
     // In one tick, so that the steps are those of its velocity reads.
     bench.hostSide.keepCounting(true);

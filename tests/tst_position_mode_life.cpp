@@ -50,15 +50,16 @@ void PositionModeLifeTest::isFoundByItsName()
 void PositionModeLifeTest::aChipWithoutTheRegistersIsReported()
 {
     delete tool;
-    bench::ChipDescription reduced = *readShippedChip();
-    const auto isLeftOut = [](const bench::RegisterDescription &described) {
+    workbench::ChipDescription reduced = *readShippedChip();
+    const auto isLeftOut = [](const workbench::RegisterDescription &described) {
         return described.name == QLatin1String("M0_D2") ||
                described.name == QLatin1String("RAMPMODE");
     };
     reduced.registers.erase(
         std::remove_if(reduced.registers.begin(), reduced.registers.end(), isLeftOut),
         reduced.registers.end());
-    simulated = std::make_unique<bench::SimulatedModule>(reduced, clock, QStringLiteral("sim/"));
+    simulated =
+        std::make_unique<workbench::SimulatedModule>(reduced, clock, QStringLiteral("sim/"));
     open();
     QVERIFY2(message().contains(QStringLiteral("the chip has no D2")), qPrintable(message()));
     QVERIFY(!tool->findChild<QPushButton *>(QStringLiteral("pbGo"))->isEnabled());

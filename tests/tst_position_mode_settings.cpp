@@ -30,8 +30,8 @@ void PositionModeSettingsTest::editorsAreMadeFromTheChipDescription()
     QCOMPARE(box(QStringLiteral("M0_V1"))->suffix(), QStringLiteral(" units/s"));
     QCOMPARE(box(QStringLiteral("M0_A1"))->suffix(), QStringLiteral(" units/s²"));
     QCOMPARE(box(QStringLiteral("spTarget"))->suffix(), QStringLiteral(" units"));
-    QCOMPARE(box(QStringLiteral("spTarget"))->minimum(), bench::minimumPosition);
-    QCOMPARE(box(QStringLiteral("spTarget"))->maximum(), bench::maximumPosition);
+    QCOMPARE(box(QStringLiteral("spTarget"))->minimum(), workbench::minimumPosition);
+    QCOMPARE(box(QStringLiteral("spTarget"))->maximum(), workbench::maximumPosition);
 }
 
 void PositionModeSettingsTest::anEditIsWrittenWhenItIsFinished()
@@ -68,7 +68,7 @@ void PositionModeSettingsTest::numbersOutOfRangeCannotBeEntered()
     enter(QStringLiteral("M0_VMAX"), QStringLiteral("-5"));
     QCOMPARE(simulated->registerValue(QStringLiteral("M0_VMAX")).value_or(-1), 5);
     enter(QStringLiteral("spTarget"), QStringLiteral("99999999"));
-    QVERIFY(box(QStringLiteral("spTarget"))->value() <= bench::maximumPosition);
+    QVERIFY(box(QStringLiteral("spTarget"))->value() <= workbench::maximumPosition);
 }
 
 void PositionModeSettingsTest::aWriteWithoutAnswerIsTakenBack()

@@ -49,7 +49,7 @@ void PositionModeSiblingsTest::editsAreSeenInTheOtherTools()
 void PositionModeSiblingsTest::writesToAnotherChipAreNotTakenOver()
 {
     HostModule &module = simulated->hostModule();
-    module.setProduct(2, bench::buildProduct(*readShippedChip()));
+    module.setProduct(2, workbench::buildProduct(*readShippedChip()));
     for (const char *name : {"M0_VMAX", "M0_XTARGET"})
         QVERIFY(module.writeChannelRegister(
             module.getIcProduct(2)->getRegisterByName(QLatin1String(name), true), 2, 99));

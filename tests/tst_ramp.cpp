@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-using namespace bench;
+using namespace workbench;
 
 class TestRamp : public QObject
 {

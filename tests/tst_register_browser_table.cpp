@@ -182,8 +182,8 @@ void RegisterBrowserTableTest::theDriveExportsItsNineRegisters()
 {
     const auto chip = readShippedChip();
     QVERIFY(chip);
-    bench::SteppedClock clock;
-    bench::SimulatedModule simulated(*chip, clock, QStringLiteral("sim/"));
+    workbench::SteppedClock clock;
+    workbench::SimulatedModule simulated(*chip, clock, QStringLiteral("sim/"));
     const std::unique_ptr<ToolsInterface> drive(
         toolPrototype()->clone(QStringLiteral("drive"), 0, &simulated.hostModule()));
     delete tool;

@@ -10,7 +10,7 @@
 #include <functional>
 #include <memory>
 
-using namespace bench;
+using namespace workbench;
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <QBuffer>
 #include <QtTest>
 
-using namespace bench;
+using namespace workbench;
 
 namespace {
 

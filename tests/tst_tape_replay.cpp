@@ -11,7 +11,7 @@
 
 #include <QtTest>
 
-using namespace bench;
+using namespace workbench;
 
 namespace {
 

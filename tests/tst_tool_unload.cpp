@@ -75,7 +75,7 @@ bool deliverTimer(ToolsInterface *tool, int intervalMs)
 }
 
 /// A short move on the simulated chip; false when it does not end.
-bool makeMove(ToolsInterface *tool, bench::SteppedClock &clock)
+bool makeMove(ToolsInterface *tool, workbench::SteppedClock &clock)
 {
     constexpr int mostTicks = 1000;
     const auto *start = tool->findChild<QToolButton *>(QStringLiteral("pbStart"));
@@ -115,9 +115,9 @@ private slots:
 
 private:
     void cycle();
-    void useTool(ToolsInterface *tool, bench::SteppedClock &clock);
+    void useTool(ToolsInterface *tool, workbench::SteppedClock &clock);
 
-    bench::ChipDescription chip;
+    workbench::ChipDescription chip;
 };
 
 void ToolUnloadTest::initTestCase()
@@ -129,7 +129,7 @@ void ToolUnloadTest::initTestCase()
     countObjects();
 }
 
-void ToolUnloadTest::useTool(ToolsInterface *tool, bench::SteppedClock &clock)
+void ToolUnloadTest::useTool(ToolsInterface *tool, workbench::SteppedClock &clock)
 {
     tool->resize(900, 600);
     tool->show();
@@ -148,8 +148,8 @@ void ToolUnloadTest::cycle()
     auto *const prototype = qobject_cast<ToolsInterface *>(loader.instance());
     QVERIFY2(prototype, qPrintable(loader.errorString()));
     {
-        bench::SteppedClock clock;
-        bench::SimulatedModule module(chip, clock);
+        workbench::SteppedClock clock;
+        workbench::SimulatedModule module(chip, clock);
         const std::unique_ptr<ToolsInterface> tool(
             prototype->clone(QStringLiteral("tool"), 0, &module.hostModule()));
         useTool(tool.get(), clock);
@@ -194,8 +194,8 @@ void ToolUnloadTest::toolsOfOneModuleObjectLeaveNothingButTheirWatches()
     loader.setLoadHints(QLibrary::ResolveAllSymbolsHint);
     auto *const prototype = qobject_cast<ToolsInterface *>(loader.instance());
     QVERIFY(prototype);
-    bench::SteppedClock clock;
-    bench::SimulatedModule module(chip, clock);
+    workbench::SteppedClock clock;
+    workbench::SimulatedModule module(chip, clock);
     qint64 bytes = 0;
     int objects = 0;
     for (int i = -warmUpCount; i < toolCount; ++i) {

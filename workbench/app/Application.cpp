@@ -19,7 +19,7 @@
 
 #include <cstdio>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -140,4 +140,4 @@ int runApplication(int argc, char *argv[])
                                             : runInWindow(commandLine.options, *chip, replay);
 }
 
-} // namespace bench
+} // namespace workbench

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace bench {
+namespace workbench {
 
 /// The exit codes of the program.
 namespace exitCode {
@@ -12,4 +12,4 @@ constexpr int usage = 2;   ///< the command line or a file named on it is wrong
 /// The program from its start to its exit code.
 int runApplication(int argc, char *argv[]);
 
-} // namespace bench
+} // namespace workbench

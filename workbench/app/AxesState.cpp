@@ -3,7 +3,7 @@
 #include "SimulatedModule.h"
 #include "TapeLink.h"
 
-namespace bench {
+namespace workbench {
 
 AxesState::AxesState(SimulatedModule &simulated, const TapeLink *played)
     : module(simulated)
@@ -43,4 +43,4 @@ int AxesState::registerValue(const QString &name) const
     return described ? tape->value(described->address).value_or(0) : 0;
 }
 
-} // namespace bench
+} // namespace workbench

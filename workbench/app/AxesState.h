@@ -5,7 +5,7 @@
 
 #include <optional>
 
-namespace bench {
+namespace workbench {
 
 class SimulatedModule;
 class TapeLink;
@@ -32,4 +32,4 @@ private:
     const TapeLink *tape;
 };
 
-} // namespace bench
+} // namespace workbench

@@ -12,7 +12,7 @@
 
 #include <optional>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -248,4 +248,4 @@ CommandLine parseCommandLine(const QStringList &arguments)
     return OptionsReader(parser).read();
 }
 
-} // namespace bench
+} // namespace workbench

@@ -8,7 +8,7 @@
 #include <QStringList>
 #include <QVector>
 
-namespace bench {
+namespace workbench {
 
 /// What the program is asked to do. File names are as given; an empty one was not given.
 struct Options
@@ -43,4 +43,4 @@ struct CommandLine
 /// anything, and looks at no file.
 CommandLine parseCommandLine(const QStringList &arguments);
 
-} // namespace bench
+} // namespace workbench

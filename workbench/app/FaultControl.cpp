@@ -12,7 +12,7 @@
 
 #include <QMetaObject>
 
-namespace bench {
+namespace workbench {
 
 FaultControl::FaultControl(FaultyLink &faultyLink, SimulatedModule &simulated, QObject *parent)
     : QObject(parent)
@@ -82,4 +82,4 @@ void FaultControl::deleteWidgets()
     }
 }
 
-} // namespace bench
+} // namespace workbench

@@ -5,7 +5,7 @@
 #include <QObject>
 #include <QVector>
 
-namespace bench {
+namespace workbench {
 
 class FaultyLink;
 class SimulatedModule;
@@ -39,4 +39,4 @@ private:
     SimulatedModule &module;
 };
 
-} // namespace bench
+} // namespace workbench

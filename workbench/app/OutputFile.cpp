@@ -3,7 +3,7 @@
 #include <QDir>
 #include <QFileInfo>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -43,4 +43,4 @@ QString commitOutput(QSaveFile &file)
     return file.commit() ? QString() : failure(file.fileName(), file.errorString());
 }
 
-} // namespace bench
+} // namespace workbench

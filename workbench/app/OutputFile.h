@@ -3,7 +3,7 @@
 #include <QSaveFile>
 #include <QString>
 
-namespace bench {
+namespace workbench {
 
 /// Opens `file` for writing under `name`. The name changes hands only with commit(): until then,
 /// and when anything fails, what was there before stays. Returns the reason when it cannot be
@@ -14,4 +14,4 @@ QString openOutput(QSaveFile &file, const QString &name);
 /// Gives the file its name. Returns like openOutput().
 QString commitOutput(QSaveFile &file);
 
-} // namespace bench
+} // namespace workbench

@@ -8,7 +8,7 @@
 #include <QLibrary>
 #include <QPluginLoader>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -83,4 +83,4 @@ QVector<ToolsInterface *> PluginLoader::prototypes() const
     return alive;
 }
 
-} // namespace bench
+} // namespace workbench

@@ -6,7 +6,7 @@
 
 class ToolsInterface;
 
-namespace bench {
+namespace workbench {
 
 /// A file in the plug-ins folder that gave no tool.
 struct RejectedFile
@@ -46,4 +46,4 @@ private:
     QVector<RejectedFile> rejectedFiles;
 };
 
-} // namespace bench
+} // namespace workbench

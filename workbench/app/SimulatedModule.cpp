@@ -4,7 +4,7 @@
 
 #include <limits>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -77,4 +77,4 @@ std::optional<int> SimulatedModule::registerValue(const QString &name)
     return value;
 }
 
-} // namespace bench
+} // namespace workbench

@@ -10,7 +10,7 @@
 #include <memory>
 #include <optional>
 
-namespace bench {
+namespace workbench {
 
 /// The host's description of a chip, made from the simulation's.
 std::shared_ptr<XmlProductIC> buildProduct(const ChipDescription &description);
@@ -51,4 +51,4 @@ private:
     HostModule module;
 };
 
-} // namespace bench
+} // namespace workbench

@@ -3,7 +3,7 @@
 #include <csignal>
 #include <unistd.h>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -55,4 +55,4 @@ void StopSignal::drain()
         emit stopRequested();
 }
 
-} // namespace bench
+} // namespace workbench

@@ -3,7 +3,7 @@
 #include <QObject>
 #include <QSocketNotifier>
 
-namespace bench {
+namespace workbench {
 
 /// Turns SIGINT and SIGTERM into a Qt signal while it exists; one at a time. A second signal ends
 /// the process at once, in case whoever handles the first is stuck. GUI thread.
@@ -24,4 +24,4 @@ private:
     QSocketNotifier *notifier = nullptr;
 };
 
-} // namespace bench
+} // namespace workbench

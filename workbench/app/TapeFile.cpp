@@ -9,7 +9,7 @@
 #include <QFileInfo>
 #include <QLoggingCategory>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -76,4 +76,4 @@ std::optional<Tape> readTapeFile(const QString &fileName)
     return tape;
 }
 
-} // namespace bench
+} // namespace workbench

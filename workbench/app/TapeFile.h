@@ -7,7 +7,7 @@
 
 #include <optional>
 
-namespace bench {
+namespace workbench {
 
 class TapeRecorder;
 
@@ -40,4 +40,4 @@ private:
 /// Complains on the standard error output when there is no tape to return.
 std::optional<Tape> readTapeFile(const QString &fileName);
 
-} // namespace bench
+} // namespace workbench

@@ -5,7 +5,7 @@
 #include "ToolDetails.h"
 #include "ToolsInterface.h"
 
-namespace bench {
+namespace workbench {
 
 QVector<unsigned char> motorsFor(ToolsType::Types type)
 {
@@ -36,4 +36,4 @@ QVector<ToolsInterface *> makeTools(const QVector<ToolsInterface *> &prototypes,
     return tools;
 }
 
-} // namespace bench
+} // namespace workbench

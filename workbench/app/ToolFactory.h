@@ -8,7 +8,7 @@
 class HostModule;
 class ToolsInterface;
 
-namespace bench {
+namespace workbench {
 
 /// The motors of a module that get a tool of this kind of their own.
 QVector<unsigned char> motorsFor(ToolsType::Types type);
@@ -21,4 +21,4 @@ QString toolKey(const QString &moduleKey, const ToolsInterface *tool, unsigned c
 QVector<ToolsInterface *> makeTools(const QVector<ToolsInterface *> &prototypes,
                                     HostModule *module);
 
-} // namespace bench
+} // namespace workbench

@@ -9,7 +9,7 @@
 
 #include <QLoggingCategory>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -96,4 +96,4 @@ void Workbench::show()
         mainWindow.openToolMaximised(tool->key());
 }
 
-} // namespace bench
+} // namespace workbench

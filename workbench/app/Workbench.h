@@ -11,7 +11,7 @@
 #include "TapeLink.h"
 #include "TapeRecorder.h"
 
-namespace bench {
+namespace workbench {
 
 /// All that makes up the running program: the module in real time, the plug-ins' tools for it and
 /// the window. Exists once, after the QApplication. GUI thread.
@@ -57,4 +57,4 @@ private:
     bool isDeviating = false;
 };
 
-} // namespace bench
+} // namespace workbench

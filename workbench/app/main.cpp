@@ -2,5 +2,5 @@
 
 int main(int argc, char *argv[])
 {
-    return bench::runApplication(argc, argv);
+    return workbench::runApplication(argc, argv);
 }

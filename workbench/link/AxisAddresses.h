@@ -3,7 +3,7 @@
 #include <array>
 #include <optional>
 
-namespace bench {
+namespace workbench {
 
 /// The addresses of the registers that are told apart by their meaning, by axis; none for a
 /// register that the chip lacks.
@@ -22,4 +22,4 @@ inline bool contains(const AxisAddresses::OfBoth &addresses, unsigned int addres
     return addresses[0] == address || addresses[1] == address;
 }
 
-} // namespace bench
+} // namespace workbench

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <thread>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -37,4 +37,4 @@ void SteppedClock::advance(qint64 ns)
         time += ns;
 }
 
-} // namespace bench
+} // namespace workbench

@@ -2,7 +2,7 @@
 
 #include <QElapsedTimer>
 
-namespace bench {
+namespace workbench {
 
 /// Monotonic time in nanoseconds from an origin of the clock's own. GUI thread.
 class Clock
@@ -44,4 +44,4 @@ private:
     qint64 time = 0;
 };
 
-} // namespace bench
+} // namespace workbench

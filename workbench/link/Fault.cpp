@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -204,4 +204,4 @@ QString faultHelp()
     return help;
 }
 
-} // namespace bench
+} // namespace workbench

@@ -5,7 +5,7 @@
 
 #include <optional>
 
-namespace bench {
+namespace workbench {
 
 /// What can go wrong between the host and its module; faultTable() says what each one does.
 enum class FaultKind {
@@ -90,4 +90,4 @@ ParsedFault parseFault(const QString &text);
 /// A line or two for each fault: usage, description, and the parameter with its range and preset.
 QString faultHelp();
 
-} // namespace bench
+} // namespace workbench

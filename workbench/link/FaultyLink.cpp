@@ -4,7 +4,7 @@
 
 #include <QCoreApplication>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -241,4 +241,4 @@ bool FaultyLink::isReplyLost(const Request &request)
     return true;
 }
 
-} // namespace bench
+} // namespace workbench

@@ -13,7 +13,7 @@
 #include <optional>
 #include <random>
 
-namespace bench {
+namespace workbench {
 
 class Clock;
 
@@ -122,4 +122,4 @@ private:
     int depth = 0; ///< requests under way
 };
 
-} // namespace bench
+} // namespace workbench

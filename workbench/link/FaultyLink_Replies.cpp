@@ -1,7 +1,7 @@
 #include "Clock.h"
 #include "FaultyLink.h"
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -94,4 +94,4 @@ void FaultyLink::flipBit(const Request &request, PositionReply *reply)
         reply->b = static_cast<unsigned char>(reply->b ^ 1u << (bit - valueBits - byteBits));
 }
 
-} // namespace bench
+} // namespace workbench

@@ -1,6 +1,6 @@
 #include "PositionPacking.h"
 
-namespace bench {
+namespace workbench {
 
 PositionReply packPositions(int axis0, int axis1)
 {
@@ -23,4 +23,4 @@ int unpackPosition(const PositionReply &reply, int axis)
     return static_cast<int>(bits ^ signBit) - static_cast<int>(signBit);
 }
 
-} // namespace bench
+} // namespace workbench

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace bench {
+namespace workbench {
 
 constexpr int axisCount = 2;
 
@@ -37,4 +37,4 @@ PositionReply packPositions(int axis0, int axis1);
 /// The position of axis 0 or 1 in a reply.
 int unpackPosition(const PositionReply &reply, int axis);
 
-} // namespace bench
+} // namespace workbench

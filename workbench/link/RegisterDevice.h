@@ -2,7 +2,7 @@
 
 #include <QtGlobal>
 
-namespace bench {
+namespace workbench {
 
 /// What a link leads to: registers and two axes, as they are at the time last given.
 class RegisterDevice
@@ -22,4 +22,4 @@ public:
     virtual int position(int axis) const = 0;
 };
 
-} // namespace bench
+} // namespace workbench

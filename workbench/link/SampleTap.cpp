@@ -2,7 +2,7 @@
 
 #include "Clock.h"
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -51,4 +51,4 @@ bool SampleTap::userFunction(unsigned char *a, unsigned char *b, unsigned char f
     return isAnswered;
 }
 
-} // namespace bench
+} // namespace workbench

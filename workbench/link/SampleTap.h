@@ -7,7 +7,7 @@
 
 #include <functional>
 
-namespace bench {
+namespace workbench {
 
 class Clock;
 
@@ -38,4 +38,4 @@ private:
     const Clock &clock;
 };
 
-} // namespace bench
+} // namespace workbench

@@ -4,7 +4,7 @@
 #include "PositionPacking.h"
 #include "RegisterDevice.h"
 
-namespace bench {
+namespace workbench {
 
 SimulatedLink::SimulatedLink(RegisterDevice &reachedDevice, Clock &requestClock)
     : device(reachedDevice)
@@ -47,4 +47,4 @@ bool SimulatedLink::userFunction(unsigned char *a, unsigned char *b, unsigned ch
     return true;
 }
 
-} // namespace bench
+} // namespace workbench

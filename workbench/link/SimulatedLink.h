@@ -4,7 +4,7 @@
 
 #include <QtGlobal>
 
-namespace bench {
+namespace workbench {
 
 class Clock;
 class RegisterDevice;
@@ -53,4 +53,4 @@ private:
     RequestCounts requests;
 };
 
-} // namespace bench
+} // namespace workbench

@@ -2,7 +2,7 @@
 
 #include <tuple>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -82,4 +82,4 @@ QByteArray tapeEnd(qint64 entryCount)
     return "end " + QByteArray::number(entryCount);
 }
 
-} // namespace bench
+} // namespace workbench

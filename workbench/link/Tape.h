@@ -4,7 +4,7 @@
 #include <QVector>
 #include <QtGlobal>
 
-namespace bench {
+namespace workbench {
 
 /// A request to a module and what came of it.
 struct TapeEntry
@@ -48,4 +48,4 @@ QByteArray tapeEnd(qint64 entryCount);
 /// The request part of a line, "write 0x22 m0 500".
 QByteArray tapeRequest(const TapeEntry &entry);
 
-} // namespace bench
+} // namespace workbench

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -206,4 +206,4 @@ void TapeLink::deviate(const TapeEntry &request)
         onDeviation(text);
 }
 
-} // namespace bench
+} // namespace workbench

@@ -12,7 +12,7 @@
 #include <functional>
 #include <optional>
 
-namespace bench {
+namespace workbench {
 
 class Clock;
 
@@ -129,4 +129,4 @@ private:
     QString firstDeviation;
 };
 
-} // namespace bench
+} // namespace workbench

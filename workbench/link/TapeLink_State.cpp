@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -146,4 +146,4 @@ int TapeLink::findStop() const
     return -1;
 }
 
-} // namespace bench
+} // namespace workbench

@@ -4,7 +4,7 @@
 
 #include <QIODevice>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -181,4 +181,4 @@ std::optional<Tape> readTape(QIODevice *device, TapeError *error)
     return std::nullopt;
 }
 
-} // namespace bench
+} // namespace workbench

@@ -8,7 +8,7 @@
 
 class QIODevice;
 
-namespace bench {
+namespace workbench {
 
 /// Why a tape was refused. For "FILE:LINE: reason".
 struct TapeError
@@ -39,4 +39,4 @@ struct TapeError
 /// the first fault. Tapes beyond maximumTapeSize are refused.
 std::optional<Tape> readTape(QIODevice *device, TapeError *error);
 
-} // namespace bench
+} // namespace workbench

@@ -4,7 +4,7 @@
 
 #include <QIODevice>
 
-namespace bench {
+namespace workbench {
 
 TapeRecorder::TapeRecorder(ModuleLink &nextLink, const Clock &tapeClock)
     : next(nextLink)
@@ -104,4 +104,4 @@ void TapeRecorder::writeLine(const QByteArray &line)
     device->write(whole);
 }
 
-} // namespace bench
+} // namespace workbench

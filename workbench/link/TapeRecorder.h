@@ -7,7 +7,7 @@
 
 class QIODevice;
 
-namespace bench {
+namespace workbench {
 
 class Clock;
 
@@ -54,4 +54,4 @@ private:
     bool hasOverflown = false;
 };
 
-} // namespace bench
+} // namespace workbench

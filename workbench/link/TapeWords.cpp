@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -132,4 +132,4 @@ void TapeWords::fail(const QString &reason)
         fault = reason;
 }
 
-} // namespace bench
+} // namespace workbench

@@ -4,7 +4,7 @@
 #include <QList>
 #include <QString>
 
-namespace bench {
+namespace workbench {
 
 /// The words of one line of a tape, taken from the left. The first fault found is kept; what is
 /// taken after that is without meaning, so a caller takes everything and then looks at error().
@@ -44,4 +44,4 @@ private:
     QString fault;
 };
 
-} // namespace bench
+} // namespace workbench

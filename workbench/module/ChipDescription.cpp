@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -46,4 +46,4 @@ AxisAddresses ChipDescription::axisAddresses() const
             addressesOf(*this, "XTARGET")};
 }
 
-} // namespace bench
+} // namespace workbench

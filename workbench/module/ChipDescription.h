@@ -7,7 +7,7 @@
 
 #include <optional>
 
-namespace bench {
+namespace workbench {
 
 /// What the host may do with a register; a read-only one is never written by it.
 enum class RegisterAccess { ReadOnly, WriteOnly, ReadWrite };
@@ -56,4 +56,4 @@ struct ChipDescription
     AxisAddresses axisAddresses() const;
 };
 
-} // namespace bench
+} // namespace workbench

@@ -6,7 +6,7 @@
 #include <QSet>
 #include <QXmlStreamReader>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -239,4 +239,4 @@ std::optional<ChipDescription> readChipDescription(QIODevice *device, ChipDescri
     return std::nullopt;
 }
 
-} // namespace bench
+} // namespace workbench

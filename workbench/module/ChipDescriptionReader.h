@@ -6,7 +6,7 @@
 
 class QIODevice;
 
-namespace bench {
+namespace workbench {
 
 /// Why a chip description was refused. For "FILE:LINE: reason".
 struct ChipDescriptionError
@@ -30,4 +30,4 @@ struct ChipDescriptionError
 /// the first fault. Files beyond 16 MiB, 4096 registers or 1024 characters a text are refused.
 std::optional<ChipDescription> readChipDescription(QIODevice *device, ChipDescriptionError *error);
 
-} // namespace bench
+} // namespace workbench

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -102,4 +102,4 @@ void DualAxisMotion::plan()
     dueNs = due < double(never) / 2 ? qint64(due) + 1 : never;
 }
 
-} // namespace bench
+} // namespace workbench

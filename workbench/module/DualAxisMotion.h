@@ -9,7 +9,7 @@
 #include <limits>
 #include <vector>
 
-namespace bench {
+namespace workbench {
 
 /// How the axes get to their targets.
 enum class MotionMode {
@@ -105,4 +105,4 @@ private:
     Plan current;
 };
 
-} // namespace bench
+} // namespace workbench

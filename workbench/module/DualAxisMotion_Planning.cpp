@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -191,4 +191,4 @@ RampLimits DualAxisMotion::turnLimits(const Vector &direction) const
     return limits;
 }
 
-} // namespace bench
+} // namespace workbench

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-namespace bench {
+namespace workbench {
 
 void Profile::append(double seconds, double acceleration, State after)
 {
@@ -38,4 +38,4 @@ Profile::State Profile::at(double seconds) const
             from.speed + piece->acceleration * elapsed};
 }
 
-} // namespace bench
+} // namespace workbench

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-namespace bench {
+namespace workbench {
 
 /// A motion along a line in pieces of constant acceleration, from position and time 0. At the end
 /// it stands still, unless nothing was appended.
@@ -47,4 +47,4 @@ private:
     double end = 0;
 };
 
-} // namespace bench
+} // namespace workbench

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -248,4 +248,4 @@ PlannedMove planMove(const RampLimits &limits, double distance, double speed)
     return move;
 }
 
-} // namespace bench
+} // namespace workbench

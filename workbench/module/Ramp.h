@@ -4,7 +4,7 @@
 
 #include <vector>
 
-namespace bench {
+namespace workbench {
 
 /// The ramp registers of an axis: velocities in units/s, accelerations and decelerations in
 /// units/s². Negative values count as 0.
@@ -75,4 +75,4 @@ PlannedMove planMove(const RampLimits &limits, double distance, double speed);
 /// Distances below this one count as none: rounding of the arithmetic, far below what is reported.
 constexpr double negligibleDistance = 1e-6;
 
-} // namespace bench
+} // namespace workbench

@@ -2,7 +2,7 @@
 
 #include <limits>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -177,4 +177,4 @@ QString parseField(const QXmlStreamAttributes &attributes, FieldDescription *tar
     return reader.error();
 }
 
-} // namespace bench
+} // namespace workbench

@@ -5,7 +5,7 @@
 #include <QStringList>
 #include <QXmlStreamAttributes>
 
-namespace bench {
+namespace workbench {
 
 /// The attributes of one element, checked against those that it must and those that it may have.
 /// Texts are bounded in length. The first fault found is kept; what is asked for after that is
@@ -48,4 +48,4 @@ QString parseField(const QXmlStreamAttributes &attributes, FieldDescription *tar
 QString shortened(const QStringRef &text);
 QString shortened(const QString &text);
 
-} // namespace bench
+} // namespace workbench

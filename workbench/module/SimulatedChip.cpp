@@ -3,7 +3,7 @@
 #include <array>
 #include <utility>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -167,4 +167,4 @@ void SimulatedChip::applyRegisters()
     motion.command(mode, {axisCommand(0), axisCommand(1)});
 }
 
-} // namespace bench
+} // namespace workbench

@@ -8,7 +8,7 @@
 
 #include <optional>
 
-namespace bench {
+namespace workbench {
 
 /// A dual-axis motion controller: a register file as described, and behind the registers of known
 /// names two axes with their ramps (see DualAxisMotion).
@@ -68,4 +68,4 @@ private:
     DualAxisMotion motion;
 };
 
-} // namespace bench
+} // namespace workbench

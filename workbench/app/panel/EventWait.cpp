@@ -4,7 +4,7 @@
 #include <QEventLoop>
 #include <QTimer>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -40,4 +40,4 @@ void EventWait::interrupt()
     emit interrupted();
 }
 
-} // namespace bench
+} // namespace workbench

@@ -4,7 +4,7 @@
 
 #include <functional>
 
-namespace bench {
+namespace workbench {
 
 enum class WaitResult { Happened, TimedOut, Interrupted };
 
@@ -31,4 +31,4 @@ private:
     bool isInterrupted = false;
 };
 
-} // namespace bench
+} // namespace workbench

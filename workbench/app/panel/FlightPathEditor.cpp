@@ -14,7 +14,7 @@
 #include <QtCharts/QChartView>
 #include <QtCharts/QXYSeries>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -173,4 +173,4 @@ void FlightPathEditor::fail(const QString &reason)
         fault = reason;
 }
 
-} // namespace bench
+} // namespace workbench

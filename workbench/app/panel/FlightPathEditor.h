@@ -13,7 +13,7 @@
 
 class QDialog;
 
-namespace bench {
+namespace workbench {
 
 /// Operates the dialog behind "Edit flight path" in the panel's menu. The dialog is modal, with an
 /// event loop of its own, and so is the file dialog that it opens: both are operated by steps that
@@ -54,4 +54,4 @@ private:
     std::unique_ptr<QObject> pendingSteps; ///< their context: none outlives the dialog
 };
 
-} // namespace bench
+} // namespace workbench

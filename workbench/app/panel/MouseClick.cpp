@@ -5,7 +5,7 @@
 #include <QMouseEvent>
 #include <QPointer>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -33,4 +33,4 @@ bool press(QAbstractButton *button)
     return true;
 }
 
-} // namespace bench
+} // namespace workbench

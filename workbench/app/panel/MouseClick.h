@@ -4,7 +4,7 @@ class QAbstractButton;
 class QPoint;
 class QWidget;
 
-namespace bench {
+namespace workbench {
 
 /// Presses and releases the left button at a pixel of the widget, which may be gone afterwards.
 void click(QWidget *receiver, const QPoint &at);
@@ -13,4 +13,4 @@ void click(QWidget *receiver, const QPoint &at);
 /// Returns when what the button does is done, which for a modal dialog is when that is closed.
 bool press(QAbstractButton *button);
 
-} // namespace bench
+} // namespace workbench

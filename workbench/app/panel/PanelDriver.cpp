@@ -12,7 +12,7 @@
 #include <QtCharts/QXYSeries>
 #include <QtMath>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -161,4 +161,4 @@ int PanelDriver::flightPathIndex() const
     return start ? start->property("RunFp").toInt() : 0;
 }
 
-} // namespace bench
+} // namespace workbench

@@ -18,7 +18,7 @@ class QChartView;
 class QXYSeries;
 } // namespace QtCharts
 
-namespace bench {
+namespace workbench {
 
 /// Operates the panel of the Synchronized drive tool as a person does: mouse events go to its chart
 /// and its buttons, limits are set through its spin boxes' setValue(). It reads what the panel
@@ -77,4 +77,4 @@ private:
     QPointer<QSpinBox> top;
 };
 
-} // namespace bench
+} // namespace workbench

@@ -7,7 +7,7 @@
 #include <QImageWriter>
 #include <QWidget>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -32,4 +32,4 @@ QString savePicture(QWidget *panel, const QString &fileName)
     return commitOutput(file);
 }
 
-} // namespace bench
+} // namespace workbench

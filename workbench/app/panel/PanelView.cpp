@@ -1,6 +1,6 @@
 #include "PanelView.h"
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -61,4 +61,4 @@ PanelView closeUp(const QPoint &point, const PanelView &widest)
     return close;
 }
 
-} // namespace bench
+} // namespace workbench

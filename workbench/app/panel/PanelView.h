@@ -3,7 +3,7 @@
 #include <QPoint>
 #include <QVector>
 
-namespace bench {
+namespace workbench {
 
 /// The part of the plane that a chart shows, in position units; the limits are included.
 struct PanelView
@@ -24,4 +24,4 @@ PanelView widened(const PanelView &view, const QVector<QPoint> &points, const Pa
 /// The closest that the panel can look at a point, within `widest`.
 PanelView closeUp(const QPoint &point, const PanelView &widest);
 
-} // namespace bench
+} // namespace workbench

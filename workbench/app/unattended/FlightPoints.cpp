@@ -3,7 +3,7 @@
 #include "DualAxisMotion.h"
 #include "MoveResult.h"
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -65,4 +65,4 @@ QString describe(const QPointF &point)
     return QStringLiteral("%1,%2").arg(point.x(), 0, 'g', digits).arg(point.y(), 0, 'g', digits);
 }
 
-} // namespace bench
+} // namespace workbench

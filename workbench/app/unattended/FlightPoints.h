@@ -5,7 +5,7 @@
 #include <QString>
 #include <QVector>
 
-namespace bench {
+namespace workbench {
 
 /// Where the axes go for the points of a flight path: the panel drops fractions when it writes a
 /// target to the chip, toward zero. All points must be within range.
@@ -19,4 +19,4 @@ QString fractionNote(const QVector<QPointF> &path);
 
 QString describe(const QPointF &point);
 
-} // namespace bench
+} // namespace workbench

@@ -2,7 +2,7 @@
 
 #include "PathMeasure.h"
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -49,4 +49,4 @@ double FlightProgress::samplesPerSecond() const
     return seconds > 0 ? static_cast<double>(count - 1) / seconds : 0;
 }
 
-} // namespace bench
+} // namespace workbench

@@ -4,7 +4,7 @@
 
 #include <QVector>
 
-namespace bench {
+namespace workbench {
 
 /// Follows a run along a path by what is sampled on the way. The first leg leads from the start to
 /// point 0, leg k from point k - 1 to point k.
@@ -49,4 +49,4 @@ private:
     double deviation = 0;
 };
 
-} // namespace bench
+} // namespace workbench

@@ -6,7 +6,7 @@
 
 #include <QAction>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -146,4 +146,4 @@ QString FlightRun::summary() const
         .arg(progress.largestDeviation(), 0, 'f', 1);
 }
 
-} // namespace bench
+} // namespace workbench

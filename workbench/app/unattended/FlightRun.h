@@ -4,7 +4,7 @@
 
 #include <QString>
 
-namespace bench {
+namespace workbench {
 
 class RunStage;
 
@@ -39,4 +39,4 @@ private:
     FlightProgress progress;
 };
 
-} // namespace bench
+} // namespace workbench

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -95,4 +95,4 @@ QString describe(const QPoint &point)
     return QStringLiteral("%1,%2").arg(point.x()).arg(point.y());
 }
 
-} // namespace bench
+} // namespace workbench

@@ -6,7 +6,7 @@
 #include <QString>
 #include <QVector>
 
-namespace bench {
+namespace workbench {
 
 /// What was seen of a move.
 struct MoveResult
@@ -37,4 +37,4 @@ QString describe(const MoveResult &move, int number);
 
 QString describe(const QPoint &point);
 
-} // namespace bench
+} // namespace workbench

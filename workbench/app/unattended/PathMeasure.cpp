@@ -2,7 +2,7 @@
 
 #include <QLineF>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -34,4 +34,4 @@ double largestDistanceFromPath(const QVector<Sample> &samples, const QVector<QPo
     return largest;
 }
 
-} // namespace bench
+} // namespace workbench

@@ -5,7 +5,7 @@
 #include <QPointF>
 #include <QVector>
 
-namespace bench {
+namespace workbench {
 
 /// The distance from `point` to the nearest point between `a` and `b`; those two may coincide.
 double distanceFromSegment(const QPointF &point, const QPointF &a, const QPointF &b);
@@ -14,4 +14,4 @@ double distanceFromSegment(const QPointF &point, const QPointF &a, const QPointF
 /// there is at least one. 0 without samples.
 double largestDistanceFromPath(const QVector<Sample> &samples, const QVector<QPointF> &corners);
 
-} // namespace bench
+} // namespace workbench

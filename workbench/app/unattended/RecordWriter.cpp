@@ -2,7 +2,7 @@
 
 #include "OutputFile.h"
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -37,4 +37,4 @@ QString RecordWriter::finish()
     return file.isOpen() ? commitOutput(file) : QString();
 }
 
-} // namespace bench
+} // namespace workbench

@@ -5,7 +5,7 @@
 #include <QSaveFile>
 #include <QString>
 
-namespace bench {
+namespace workbench {
 
 /// Writes samples to a CSV file while they come in: a header line, then a line for each sample with
 /// the seconds since the first one and both positions. The file gets its name with finish(); a
@@ -30,4 +30,4 @@ private:
     qint64 count = 0;
 };
 
-} // namespace bench
+} // namespace workbench

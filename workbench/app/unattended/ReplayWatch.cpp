@@ -2,7 +2,7 @@
 
 #include "TapeLink.h"
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -47,4 +47,4 @@ QString ReplayWatch::deviation() const
                : QString();
 }
 
-} // namespace bench
+} // namespace workbench

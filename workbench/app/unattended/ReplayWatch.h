@@ -2,7 +2,7 @@
 
 #include <QString>
 
-namespace bench {
+namespace workbench {
 
 class TapeLink;
 
@@ -27,4 +27,4 @@ private:
     const TapeLink *tape;
 };
 
-} // namespace bench
+} // namespace workbench

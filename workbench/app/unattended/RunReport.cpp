@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <unistd.h>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -58,4 +58,4 @@ void complainAbout(const QString &fileName, qint64 line, const QString &reason)
     std::fputs(text.toLocal8Bit().constData(), stderr);
 }
 
-} // namespace bench
+} // namespace workbench

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-namespace bench {
+namespace workbench {
 
 /// What an unattended run tells on the terminal. Lines go to the standard output as they come.
 /// Progress is one line that is drawn over, and left out when the output is not a terminal.
@@ -28,4 +28,4 @@ void complain(const QString &text);
 /// One line on the standard error output, "FILE:LINE: reason".
 void complainAbout(const QString &fileName, qint64 line, const QString &reason);
 
-} // namespace bench
+} // namespace workbench

@@ -8,7 +8,7 @@
 
 #include <limits>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -148,4 +148,4 @@ void RunStage::showProgress()
     report.progress(progressText());
 }
 
-} // namespace bench
+} // namespace workbench

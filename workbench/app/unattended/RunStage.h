@@ -11,7 +11,7 @@
 
 #include <functional>
 
-namespace bench {
+namespace workbench {
 
 class SampleTap;
 class SimulatedModule;
@@ -79,4 +79,4 @@ private:
     QElapsedTimer sinceProgress;
 };
 
-} // namespace bench
+} // namespace workbench

@@ -1,6 +1,6 @@
 #include "ScriptedMove.h"
 
-namespace bench {
+namespace workbench {
 
 QVector<ScriptedMove> builtInMoves()
 {
@@ -17,4 +17,4 @@ QVector<ScriptedMove> movesTo(const QVector<QPoint> &targets)
     return moves;
 }
 
-} // namespace bench
+} // namespace workbench

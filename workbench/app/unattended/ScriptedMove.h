@@ -3,7 +3,7 @@
 #include <QPoint>
 #include <QVector>
 
-namespace bench {
+namespace workbench {
 
 /// One move of an unattended run. Points in position units.
 struct ScriptedMove
@@ -26,4 +26,4 @@ QVector<ScriptedMove> builtInMoves();
 /// One plain move to each target.
 QVector<ScriptedMove> movesTo(const QVector<QPoint> &targets);
 
-} // namespace bench
+} // namespace workbench

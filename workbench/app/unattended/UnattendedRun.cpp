@@ -5,7 +5,7 @@
 
 #include <QLineF>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -172,4 +172,4 @@ QString UnattendedRun::checkStaysPut()
                               QStringLiteral("the axes moved on after the stop"));
 }
 
-} // namespace bench
+} // namespace workbench

@@ -2,7 +2,7 @@
 
 #include "MoveResult.h"
 
-namespace bench {
+namespace workbench {
 
 class RunStage;
 
@@ -36,4 +36,4 @@ private:
     MoveResult move;
 };
 
-} // namespace bench
+} // namespace workbench

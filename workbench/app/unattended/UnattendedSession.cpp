@@ -18,7 +18,7 @@
 #include <QFile>
 #include <QFileInfo>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -218,4 +218,4 @@ int runUnattended(const Options &options, const ChipDescription &chip,
     return fault.code;
 }
 
-} // namespace bench
+} // namespace workbench

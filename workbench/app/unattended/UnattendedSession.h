@@ -6,7 +6,7 @@
 
 #include <optional>
 
-namespace bench {
+namespace workbench {
 
 /// An unattended run, of the simulated module or of the tape, from the first file opened to the
 /// summary: carries the moves out, writes the record and the picture, reports on the standard
@@ -15,4 +15,4 @@ namespace bench {
 int runUnattended(const Options &options, const ChipDescription &chip,
                   const std::optional<Tape> &replay = std::nullopt);
 
-} // namespace bench
+} // namespace workbench

@@ -10,7 +10,7 @@
 #include <QStyle>
 #include <QTreeWidgetItemIterator>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -86,4 +86,4 @@ QString displayName(ToolsInterface *tool)
     return tool->toolsName(motorsFor(ToolDetails::of(tool).type).size() > 1);
 }
 
-} // namespace bench
+} // namespace workbench

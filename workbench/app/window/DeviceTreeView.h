@@ -5,7 +5,7 @@
 class PluginInterface;
 class ToolsInterface;
 
-namespace bench {
+namespace workbench {
 
 /// Lists modules and, below each, its tools. Entries of tools that are on screen are bold. Holds
 /// keys, no plug-ins; an entry goes when its plug-in leaves the host's registry.
@@ -37,4 +37,4 @@ private:
 /// one such tool for each motor.
 QString displayName(ToolsInterface *tool);
 
-} // namespace bench
+} // namespace workbench

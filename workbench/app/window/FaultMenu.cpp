@@ -6,9 +6,9 @@
 #include <QSignalBlocker>
 #include <QStringList>
 
-Q_DECLARE_METATYPE(bench::Fault)
+Q_DECLARE_METATYPE(workbench::Fault)
 
-namespace bench {
+namespace workbench {
 
 FaultMenu::FaultMenu(FaultControl &faultControl, QWidget *parent)
     : QMenu(tr("F&aults"), parent)
@@ -79,4 +79,4 @@ QLabel *makeFaultLabel(FaultControl &control)
     return label;
 }
 
-} // namespace bench
+} // namespace workbench

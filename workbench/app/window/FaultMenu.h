@@ -5,7 +5,7 @@
 
 class QLabel;
 
-namespace bench {
+namespace workbench {
 
 class FaultControl;
 
@@ -32,4 +32,4 @@ private:
 /// `control` must outlive it.
 QLabel *makeFaultLabel(FaultControl &control);
 
-} // namespace bench
+} // namespace workbench

@@ -1,6 +1,6 @@
 #include "LinkRates.h"
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -27,4 +27,4 @@ void LinkRates::update(const SimulatedLink::RequestCounts &counts, qint64 nowNs)
     beforeNs = nowNs;
 }
 
-} // namespace bench
+} // namespace workbench

@@ -2,7 +2,7 @@
 
 #include "SimulatedLink.h"
 
-namespace bench {
+namespace workbench {
 
 /// How busy a link has been between the last two updates.
 class LinkRates
@@ -23,4 +23,4 @@ private:
     double samples = 0;
 };
 
-} // namespace bench
+} // namespace workbench

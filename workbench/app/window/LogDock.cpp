@@ -12,7 +12,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -120,4 +120,4 @@ void LogDock::setLowLevelEnabled(bool enabled)
                  enabled ? QLatin1String("true") : QLatin1String("false")));
 }
 
-} // namespace bench
+} // namespace workbench

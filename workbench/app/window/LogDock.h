@@ -5,7 +5,7 @@
 class QCheckBox;
 class QPlainTextEdit;
 
-namespace bench {
+namespace workbench {
 
 struct LogEntry;
 class MessageLog;
@@ -29,4 +29,4 @@ private:
     QCheckBox *lowLevel = nullptr;
 };
 
-} // namespace bench
+} // namespace workbench

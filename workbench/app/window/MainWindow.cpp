@@ -20,7 +20,7 @@
 #include <QMessageBox>
 #include <QStatusBar>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -189,4 +189,4 @@ void MainWindow::closeEvent(QCloseEvent *event)
     QMainWindow::closeEvent(event);
 }
 
-} // namespace bench
+} // namespace workbench

@@ -9,7 +9,7 @@ class QMdiArea;
 class QMenu;
 class ToolsInterface;
 
-namespace bench {
+namespace workbench {
 
 class DeviceTreeView;
 class FaultControl;
@@ -77,4 +77,4 @@ private:
     bool isLayoutRemembered = false;
 };
 
-} // namespace bench
+} // namespace workbench

@@ -2,7 +2,7 @@
 
 #include <QMutex>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -55,4 +55,4 @@ void MessageLog::add(const LogEntry &entry)
     emit added(entry);
 }
 
-} // namespace bench
+} // namespace workbench

@@ -5,7 +5,7 @@
 #include <QString>
 #include <QTime>
 
-namespace bench {
+namespace workbench {
 
 struct LogEntry
 {
@@ -39,4 +39,4 @@ private:
     QList<LogEntry> kept;
 };
 
-} // namespace bench
+} // namespace workbench

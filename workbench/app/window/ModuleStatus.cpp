@@ -11,7 +11,7 @@
 #include <QStatusBar>
 #include <QTimer>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -112,4 +112,4 @@ QLabel *ModuleStatus::addLabel(QStatusBar *bar, const QString &name, const QStri
     return label;
 }
 
-} // namespace bench
+} // namespace workbench

@@ -7,7 +7,7 @@
 class QLabel;
 class QStatusBar;
 
-namespace bench {
+namespace workbench {
 
 class SimulatedModule;
 class TapeLink;
@@ -45,4 +45,4 @@ private:
     QLabel *cost;
 };
 
-} // namespace bench
+} // namespace workbench

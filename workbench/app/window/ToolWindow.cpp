@@ -11,7 +11,7 @@
 #include <QMdiArea>
 #include <QPropertyAnimation>
 
-namespace bench {
+namespace workbench {
 
 namespace {
 
@@ -101,4 +101,4 @@ void ToolWindow::growFromCentre()
     animation->start(QAbstractAnimation::DeleteWhenStopped);
 }
 
-} // namespace bench
+} // namespace workbench

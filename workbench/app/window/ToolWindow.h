@@ -6,7 +6,7 @@
 class QMdiArea;
 class ToolsInterface;
 
-namespace bench {
+namespace workbench {
 
 /// The sub-window of one tool. Closing it takes the tool off the screen and keeps both; the tool is
 /// deleted with the window. Honours the tool's hints about its window (see DynamicProperty.h).
@@ -40,4 +40,4 @@ private:
     bool isOnScreen = false;
 };
 
-} // namespace bench
+} // namespace workbench
