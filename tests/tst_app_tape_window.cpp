@@ -5,7 +5,7 @@
 #include "ShippedChip.h"
 #include "TapeFile.h"
 #include "ToolWindow.h"
-#include "UnattendedSession.h"
+#include "UnattendedRun.h"
 
 #include "AppSettings.h"
 

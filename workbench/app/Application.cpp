@@ -5,10 +5,10 @@
 #include "CommandLine.h"
 #include "EventWait.h"
 #include "PanelDriver.h"
-#include "RunReport.h"
+#include "RunOutput.h"
 #include "StopSignal.h"
 #include "TapeFile.h"
-#include "UnattendedSession.h"
+#include "UnattendedRun.h"
 #include "Workbench.h"
 
 #include "ToolsInterface.h"

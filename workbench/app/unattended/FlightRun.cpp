@@ -37,7 +37,7 @@ QString FlightRun::carryOut(const QVector<QPoint> &points)
 {
     const QString fault = drive(points);
     if (fault.isEmpty())
-        stage.report.line(summary());
+        stage.output.line(summary());
     else
         stage.haltAxes();
     return fault.isEmpty() ? fault : QStringLiteral("flight path: %1").arg(fault);
@@ -49,7 +49,7 @@ QString FlightRun::drive(const QVector<QPoint> &points)
     for (int index = 0; fault.isEmpty() && index < points.size(); ++index) {
         fault = waitForPoint(index);
         if (fault.isEmpty())
-            stage.report.line(QStringLiteral("%1: reached after %2 s")
+            stage.output.line(QStringLiteral("%1: reached after %2 s")
                                   .arg(title(index))
                                   .arg(progress.secondsTo(index), 0, 'f', 2));
     }

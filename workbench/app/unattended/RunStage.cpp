@@ -23,10 +23,10 @@ const auto interruptedText = QStringLiteral("interrupted");
 } // namespace
 
 RunStage::RunStage(SimulatedModule &simulated, const TapeLink *played, SampleTap &sampleTap,
-                   const PanelDriver &panelDriver, RecordWriter &recordWriter, RunReport &runReport)
+                   const PanelDriver &panelDriver, RecordWriter &recordWriter, RunOutput &runOutput)
     : module(simulated)
     , panel(panelDriver)
-    , report(runReport)
+    , output(runOutput)
     , axes(simulated, played)
     , replay(played)
     , tape(played)
@@ -145,7 +145,7 @@ void RunStage::showProgress()
     if (!progressText || !sinceProgress.hasExpired(progressPeriodMs))
         return;
     sinceProgress.start();
-    report.progress(progressText());
+    output.progress(progressText());
 }
 
 } // namespace workbench

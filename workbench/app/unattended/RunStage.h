@@ -5,7 +5,7 @@
 #include "PanelDriver.h"
 #include "RecordWriter.h"
 #include "ReplayWatch.h"
-#include "RunReport.h"
+#include "RunOutput.h"
 
 #include <QElapsedTimer>
 
@@ -26,14 +26,14 @@ public:
     /// Refers to all but the panel driver; null plays no tape. Takes the tap's onSample over for
     /// its lifetime.
     RunStage(SimulatedModule &module, const TapeLink *tape, SampleTap &tap,
-             const PanelDriver &panel, RecordWriter &record, RunReport &report);
+             const PanelDriver &panel, RecordWriter &record, RunOutput &output);
     ~RunStage();
     RunStage(const RunStage &) = delete;
     RunStage &operator=(const RunStage &) = delete;
 
     SimulatedModule &module;
     PanelDriver panel;
-    RunReport &report;
+    RunOutput &output;
     const AxesState axes;
     const ReplayWatch replay;
 

@@ -1,175 +1,221 @@
 #include "UnattendedRun.h"
 
+#include "Application.h"
+#include "FlightPathEditor.h"
+#include "FlightPoints.h"
+#include "FlightRun.h"
+#include "MoveRun.h"
+#include "OutputFile.h"
+#include "PanelPicture.h"
 #include "RunStage.h"
-#include "SimulatedModule.h"
+#include "StopSignal.h"
+#include "TapeFile.h"
+#include "Workbench.h"
 
-#include <QLineF>
+#include "ToolsInterface.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QFileInfo>
 
 namespace workbench {
 
 namespace {
 
-constexpr int stayPutMs = 300;
-constexpr double allowedDeviation = 1.0; ///< units; half of it is due to whole positions
+/// What went wrong, and the program's exit code for that. Nothing did while the text is empty.
+struct RunFault
+{
+    QString text;
+    int code = exitCode::failure;
+};
+
+RunFault failure(const QString &text)
+{
+    return {text, exitCode::failure};
+}
+
+/// Returns an empty text, or why the files asked for cannot be written: to be known before the run.
+QString openFiles(const Options &options, RecordWriter &record)
+{
+    if (!options.pictureFile.isEmpty()) {
+        QSaveFile trial;
+        const QString fault = openOutput(trial, options.pictureFile);
+        if (!fault.isEmpty())
+            return fault;
+    }
+    return options.recordFile.isEmpty() ? QString() : record.begin(options.recordFile);
+}
+
+/// Whether the panel's file dialog offers a file of that name. To be known before: given a name
+/// that it does not offer, the dialog sometimes takes it, depending on how far it has read the
+/// folder.
+bool isOffered(const QFileInfo &info)
+{
+    const QString suffix = info.suffix().toLower();
+    return !info.isHidden() && !info.absoluteFilePath().contains(QLatin1Char('"')) &&
+           (suffix == QLatin1String("csv") || suffix == QLatin1String("txt"));
+}
+
+/// Returns an empty text, or why no flight path can be loaded from the file.
+QString cannotOpen(const QString &fileName)
+{
+    const QFileInfo info(fileName);
+    // To open a device or a pipe could block.
+    if (info.exists() && !info.isFile())
+        return QStringLiteral("%1: is not an ordinary file").arg(fileName);
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return QStringLiteral("%1: %2").arg(fileName, file.errorString());
+    if (!isOffered(info))
+        return QStringLiteral("%1: the panel's file dialog does not take it; it wants a visible "
+                              ".csv or .txt file without a quotation mark in its name")
+            .arg(fileName);
+    return QString();
+}
+
+/// Gives the panel the path of a file, or leaves its built-in one when there is no file.
+RunFault prepareFlightPath(const QString &fileName, const PanelDriver &panel, RunOutput &output,
+                           QVector<QPointF> *path)
+{
+    FlightPathEditor editor(panel);
+    if (fileName.isEmpty()) {
+        const QString fault = editor.read(path);
+        const bool isMissing = fault.isEmpty() && path->isEmpty();
+        return failure(isMissing ? QStringLiteral("the panel has no flight path") : fault);
+    }
+    const QString fault = editor.load(fileName, path);
+    if (!fault.isEmpty())
+        return {QStringLiteral("%1: %2").arg(fileName, fault), exitCode::usage};
+    if (path->isEmpty())
+        return {QStringLiteral("%1: holds no point").arg(fileName), exitCode::usage};
+    const QString outside = outOfRange(*path);
+    if (!outside.isEmpty())
+        return {QStringLiteral("%1: %2").arg(fileName, outside), exitCode::usage};
+    const QString note = fractionNote(*path);
+    if (!note.isEmpty())
+        output.line(QStringLiteral("%1: %2").arg(fileName, note));
+    return {};
+}
+
+QString runMoves(RunStage &stage, const QVector<ScriptedMove> &moves)
+{
+    MoveRun run(stage);
+    return run.carryOut(moves);
+}
+
+/// The built-in run: the moves, then back to where the built-in path begins, so that the figure
+/// stands alone in the chart, and along that path.
+RunFault runParts(const Options &options, RunStage &stage)
+{
+    if (!options.targets.isEmpty())
+        return failure(runMoves(stage, movesTo(options.targets)));
+    QVector<QPointF> path;
+    const RunFault fault =
+        prepareFlightPath(options.flightPathFile, stage.panel, stage.output, &path);
+    if (!fault.text.isEmpty())
+        return fault;
+    const QVector<QPoint> points = drivenPoints(path);
+    QString text;
+    if (options.flightPathFile.isEmpty())
+        text = runMoves(stage, builtInMoves() + movesTo({points.constFirst()}));
+    if (text.isEmpty())
+        text = FlightRun(stage).carryOut(points);
+    return failure(text);
+}
+
+RunFault runInterruptibly(const Options &options, RunStage &stage, const StopSignal &stopSignal)
+{
+    const QObject listener;
+    const auto interrupt = [&stage] { stage.interrupt(); };
+    QObject::connect(&stopSignal, &StopSignal::stopRequested, &listener, interrupt);
+    QObject::connect(qApp, &QGuiApplication::lastWindowClosed, &listener, interrupt);
+    return runParts(options, stage);
+}
+
+/// Writes the files and returns the summary in `summary`, or returns what failed.
+QString writeFiles(const Options &options, QWidget *panel, RecordWriter &record, QString *summary)
+{
+    if (!options.pictureFile.isEmpty()) {
+        const QString fault = savePicture(panel, options.pictureFile);
+        if (!fault.isEmpty())
+            return fault;
+        *summary += QStringLiteral("; picture in %1").arg(options.pictureFile);
+    }
+    if (!options.recordFile.isEmpty())
+        *summary +=
+            QStringLiteral("; %1 samples in %2").arg(record.sampleCount()).arg(options.recordFile);
+    return record.finish();
+}
+
+RunFault runAndReport(const Options &options, Workbench &workbench, const StopSignal &stopSignal)
+{
+    ToolsInterface *const tool = workbench.driveTool();
+    if (!tool)
+        return failure(
+            QStringLiteral("no Synchronized drive plug-in in %1").arg(options.pluginsFolder));
+    RecordWriter record;
+    const QString notOpened = openFiles(options, record);
+    if (!notOpened.isEmpty())
+        return failure(notOpened);
+
+    workbench.show();
+    const PanelDriver panel(tool);
+    if (!panel.missingPart().isEmpty())
+        return failure(QStringLiteral("the panel has no %1").arg(panel.missingPart()));
+    RunOutput output;
+    RunStage stage(workbench.module(), workbench.tape(), workbench.sampleTap(), panel, record,
+                   output);
+    RunFault fault = runInterruptibly(options, stage, stopSignal);
+    if (fault.text.isEmpty())
+        fault = failure(stage.replay.faultAtEnd());
+    if (!fault.text.isEmpty())
+        return fault;
+    QString summary = QStringLiteral("all moves as planned");
+    if (workbench.tape())
+        summary += QStringLiteral(", as on %1").arg(options.replayFile);
+    const QString notWritten = writeFiles(options, tool, record, &summary);
+    if (notWritten.isEmpty())
+        output.line(summary);
+    return failure(notWritten);
+}
+
+/// The tape is kept whatever comes of the run: it is wanted most when that fails.
+RunFault runOnTape(const Options &options, Workbench &workbench)
+{
+    // From before the first file is opened, so that no signal leaves a part of one behind.
+    const StopSignal stopSignal;
+    TapeFile tape(workbench.tapeRecorder());
+    const QString notOpened = tape.begin(options.tapeFile, options.tapeSizeLimit);
+    if (!notOpened.isEmpty())
+        return failure(notOpened);
+    const RunFault fault = runAndReport(options, workbench, stopSignal);
+    const QString notWritten = tape.finish();
+    if (fault.text.isEmpty())
+        return failure(notWritten);
+    if (!notWritten.isEmpty())
+        complain(notWritten);
+    return fault;
+}
 
 } // namespace
 
-UnattendedRun::UnattendedRun(RunStage &runStage)
-    : stage(runStage)
+int runUnattended(const Options &options, const ChipDescription &chip,
+                  const std::optional<Tape> &replay)
 {
-    stage.onSample = [this](const Sample &sample) { move.samples.append(sample); };
-    stage.progressText = [this] {
-        return QStringLiteral("move %1: %2, %3 samples")
-            .arg(number)
-            .arg(describe(stage.panel.shownPosition()))
-            .arg(move.samples.size());
-    };
-}
-
-UnattendedRun::~UnattendedRun()
-{
-    stage.onSample = nullptr;
-    stage.progressText = nullptr;
-}
-
-QString UnattendedRun::carryOut(const QVector<ScriptedMove> &moves)
-{
-    for (const ScriptedMove &planned : moves) {
-        ++number;
-        const QString fault = carryOut(planned);
-        if (!fault.isEmpty()) {
-            stage.haltAxes();
-            return QStringLiteral("move %1: %2").arg(number).arg(fault);
+    if (!options.flightPathFile.isEmpty()) {
+        const QString unreadable = cannotOpen(options.flightPathFile);
+        if (!unreadable.isEmpty()) {
+            complain(unreadable);
+            return exitCode::usage;
         }
-        stage.report.line(describe(move, number));
     }
-    return QString();
-}
-
-QString UnattendedRun::carryOut(const ScriptedMove &planned)
-{
-    move = MoveResult();
-    move.planned = planned;
-    QString fault = pickAndStart(planned);
-    if (fault.isEmpty() && planned.kind == ScriptedMove::Turned)
-        fault = turn();
-    if (fault.isEmpty() && planned.kind == ScriptedMove::Stopped)
-        fault = stop();
-    if (fault.isEmpty())
-        fault = waitForEnd();
-    if (fault.isEmpty())
-        fault = checkHalt();
-    if (fault.isEmpty() && planned.kind == ScriptedMove::Stopped)
-        fault = checkStaysPut();
-    return fault;
-}
-
-/// Without a return to the event loop between the pick and the start: the panel writes a picked
-/// target to the chip by itself soon after, and in most modes the axes then go.
-QString UnattendedRun::pickAndStart(const ScriptedMove &planned)
-{
-    const QString fault = prepareView(planned);
-    if (!fault.isEmpty())
-        return fault;
-    if (!stage.panel.pick(planned.target))
-        return QStringLiteral("the chart cannot show the target %1").arg(describe(planned.target));
-    move.start = stage.axes.position();
-    move.picked = stage.panel.target();
-    stage.panel.setView(
-        widened(stage.panel.view(), {move.start, move.picked}, stage.panel.widestView()));
-    move.startNs = stage.module.clock().now();
-    move.samples.clear();
-    if (!stage.panel.pressStart())
-        return QStringLiteral("the start button is disabled");
-    return stage.panel.isMoving() ? QString() : QStringLiteral("the start button starts nothing");
-}
-
-/// Shows what is needed to pick the targets.
-QString UnattendedRun::prepareView(const ScriptedMove &planned)
-{
-    const PanelView widest = stage.panel.widestView();
-    QVector<QPoint> points{planned.target, stage.axes.position()};
-    if (planned.kind == ScriptedMove::Turned)
-        points.append(planned.turnTarget);
-    stage.panel.setView(planned.isExact ? closeUp(planned.target, widest)
-                                        : widened(stage.panel.view(), points, widest));
-    return stage.letPanelSettle();
-}
-
-QString UnattendedRun::turn()
-{
-    const QString fault = halfWay();
-    if (!fault.isEmpty())
-        return fault;
-    if (!stage.panel.isMoving())
-        return QStringLiteral("ended before the turn");
-    if (!stage.panel.pick(move.planned.turnTarget))
-        return QStringLiteral("the second target is not in the chart");
-    move.turnPicked = stage.panel.target();
-    const auto hasTarget = [this] { return stage.axes.target() == move.turnPicked; };
-    const QString notWritten =
-        stage.waitFor(hasTarget, stage.timeoutMs(),
-                      QStringLiteral("the panel does not write the second target to the chip"));
-    move.turnedAt = stage.axes.position();
-    return notWritten;
-}
-
-QString UnattendedRun::stop()
-{
-    const QString fault = halfWay();
-    if (!fault.isEmpty())
-        return fault;
-    if (!stage.panel.isMoving())
-        return QStringLiteral("ended before the stop");
-    move.stopSample = move.samples.size();
-    return stage.panel.pressStop() ? QString() : QStringLiteral("the stop button is disabled");
-}
-
-QString UnattendedRun::halfWay()
-{
-    const double half = QLineF(move.start, move.picked).length() / 2;
-    const auto isThere = [this, half] {
-        return !stage.panel.isMoving() || stage.isTimeToStepIn(move.start, half);
-    };
-    return stage.waitFor(isThere, stage.timeoutMs(),
-                         QStringLiteral("the axes do not get half the way"));
-}
-
-QString UnattendedRun::waitForEnd()
-{
-    const QString timedOut = QStringLiteral("does not end");
-    QString fault =
-        stage.waitFor([this] { return !stage.panel.isMoving(); }, stage.timeoutMs(), timedOut);
-    move.halt = stage.axes.position();
-    if (fault == timedOut)
-        fault += QStringLiteral("; the axes are at %1").arg(describe(move.halt));
-    return fault;
-}
-
-QString UnattendedRun::checkHalt()
-{
-    if (!stage.axes.areAtRest())
-        return QStringLiteral("the panel reports the end while the axes move");
-    const QPoint wanted = stage.panel.target();
-    if (move.halt != wanted)
-        return QStringLiteral("ended at %1 instead of %2")
-            .arg(describe(move.halt), describe(wanted));
-    if (stage.panel.shownPosition() != move.halt)
-        return QStringLiteral("the panel shows %1 while the axes are at %2")
-            .arg(describe(stage.panel.shownPosition()), describe(move.halt));
-    const bool isOneLine = move.planned.kind != ScriptedMove::Turned;
-    if (isOneLine && largestDeviation(move) > allowedDeviation)
-        return QStringLiteral("%1 units off the straight line").arg(largestDeviation(move));
-    return QString();
-}
-
-QString UnattendedRun::checkStaysPut()
-{
-    const auto hasMoved = [this] {
-        return !stage.axes.areAtRest() || stage.axes.position() != move.halt;
-    };
-    return stage.watchAgainst(hasMoved, stayPutMs,
-                              QStringLiteral("the axes moved on after the stop"));
+    QApplication::setQuitOnLastWindowClosed(false);
+    Workbench workbench(options, chip, replay);
+    const RunFault fault = runOnTape(options, workbench);
+    if (fault.text.isEmpty())
+        return exitCode::success;
+    complain(fault.text);
+    return fault.code;
 }
 
 } // namespace workbench

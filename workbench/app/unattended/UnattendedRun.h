@@ -1,39 +1,18 @@
 #pragma once
 
-#include "MoveResult.h"
+#include "ChipDescription.h"
+#include "CommandLine.h"
+#include "Tape.h"
+
+#include <optional>
 
 namespace workbench {
 
-class RunStage;
-
-/// Carries moves out through the panel, one after another, and checks each.
-class UnattendedRun
-{
-public:
-    /// Refers to the stage and takes its onSample and progressText over for its lifetime.
-    explicit UnattendedRun(RunStage &stage);
-    ~UnattendedRun();
-    UnattendedRun(const UnattendedRun &) = delete;
-    UnattendedRun &operator=(const UnattendedRun &) = delete;
-
-    /// Returns an empty text, or one line about what failed first; nothing moves any more then,
-    /// unless that is what failed.
-    QString carryOut(const QVector<ScriptedMove> &moves);
-
-private:
-    QString carryOut(const ScriptedMove &planned);
-    QString pickAndStart(const ScriptedMove &planned);
-    QString prepareView(const ScriptedMove &planned);
-    QString turn();
-    QString stop();
-    QString waitForEnd();
-    QString checkHalt();
-    QString checkStaysPut();
-    QString halfWay();
-
-    RunStage &stage;
-    int number = 0;
-    MoveResult move;
-};
+/// An unattended run, of the simulated module or of the tape, from the first file opened to the
+/// summary: carries the moves out, writes the record and the picture, reports on the standard
+/// outputs. SIGINT and SIGTERM stop the axes and end it, as does closing the window; no record is
+/// left then. Returns the exit code.
+int runUnattended(const Options &options, const ChipDescription &chip,
+                  const std::optional<Tape> &replay = std::nullopt);
 
 } // namespace workbench

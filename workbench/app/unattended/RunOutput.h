@@ -4,13 +4,13 @@
 
 namespace workbench {
 
-/// What an unattended run tells on the terminal. Lines go to the standard output as they come.
+/// Where an unattended run tells how it goes. Lines go to the standard output as they come.
 /// Progress is one line that is drawn over, and left out when the output is not a terminal.
-class RunReport
+class RunOutput
 {
 public:
-    RunReport();
-    ~RunReport();
+    RunOutput();
+    ~RunOutput();
 
     void line(const QString &text);
     void progress(const QString &text);

@@ -1,4 +1,4 @@
-#include "RunReport.h"
+#include "RunOutput.h"
 
 #include <cstdio>
 #include <unistd.h>
@@ -15,23 +15,23 @@ void print(FILE *stream, const QString &text)
 
 } // namespace
 
-RunReport::RunReport()
+RunOutput::RunOutput()
     : isTerminal(isatty(STDOUT_FILENO) != 0)
 {
 }
 
-RunReport::~RunReport()
+RunOutput::~RunOutput()
 {
     clearProgress();
 }
 
-void RunReport::line(const QString &text)
+void RunOutput::line(const QString &text)
 {
     clearProgress();
     print(stdout, text + QLatin1Char('\n'));
 }
 
-void RunReport::progress(const QString &text)
+void RunOutput::progress(const QString &text)
 {
     if (!isTerminal)
         return;
@@ -40,7 +40,7 @@ void RunReport::progress(const QString &text)
     hasProgress = true;
 }
 
-void RunReport::clearProgress()
+void RunOutput::clearProgress()
 {
     if (hasProgress)
         print(stdout, QStringLiteral("\r\033[K"));

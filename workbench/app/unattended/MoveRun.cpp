@@ -1,0 +1,175 @@
+#include "MoveRun.h"
+
+#include "RunStage.h"
+#include "SimulatedModule.h"
+
+#include <QLineF>
+
+namespace workbench {
+
+namespace {
+
+constexpr int stayPutMs = 300;
+constexpr double allowedDeviation = 1.0; ///< units; half of it is due to whole positions
+
+} // namespace
+
+MoveRun::MoveRun(RunStage &runStage)
+    : stage(runStage)
+{
+    stage.onSample = [this](const Sample &sample) { move.samples.append(sample); };
+    stage.progressText = [this] {
+        return QStringLiteral("move %1: %2, %3 samples")
+            .arg(number)
+            .arg(describe(stage.panel.shownPosition()))
+            .arg(move.samples.size());
+    };
+}
+
+MoveRun::~MoveRun()
+{
+    stage.onSample = nullptr;
+    stage.progressText = nullptr;
+}
+
+QString MoveRun::carryOut(const QVector<ScriptedMove> &moves)
+{
+    for (const ScriptedMove &planned : moves) {
+        ++number;
+        const QString fault = carryOut(planned);
+        if (!fault.isEmpty()) {
+            stage.haltAxes();
+            return QStringLiteral("move %1: %2").arg(number).arg(fault);
+        }
+        stage.output.line(describe(move, number));
+    }
+    return QString();
+}
+
+QString MoveRun::carryOut(const ScriptedMove &planned)
+{
+    move = MoveResult();
+    move.planned = planned;
+    QString fault = pickAndStart(planned);
+    if (fault.isEmpty() && planned.kind == ScriptedMove::Turned)
+        fault = turn();
+    if (fault.isEmpty() && planned.kind == ScriptedMove::Stopped)
+        fault = stop();
+    if (fault.isEmpty())
+        fault = waitForEnd();
+    if (fault.isEmpty())
+        fault = checkHalt();
+    if (fault.isEmpty() && planned.kind == ScriptedMove::Stopped)
+        fault = checkStaysPut();
+    return fault;
+}
+
+/// Without a return to the event loop between the pick and the start: the panel writes a picked
+/// target to the chip by itself soon after, and in most modes the axes then go.
+QString MoveRun::pickAndStart(const ScriptedMove &planned)
+{
+    const QString fault = prepareView(planned);
+    if (!fault.isEmpty())
+        return fault;
+    if (!stage.panel.pick(planned.target))
+        return QStringLiteral("the chart cannot show the target %1").arg(describe(planned.target));
+    move.start = stage.axes.position();
+    move.picked = stage.panel.target();
+    stage.panel.setView(
+        widened(stage.panel.view(), {move.start, move.picked}, stage.panel.widestView()));
+    move.startNs = stage.module.clock().now();
+    move.samples.clear();
+    if (!stage.panel.pressStart())
+        return QStringLiteral("the start button is disabled");
+    return stage.panel.isMoving() ? QString() : QStringLiteral("the start button starts nothing");
+}
+
+/// Shows what is needed to pick the targets.
+QString MoveRun::prepareView(const ScriptedMove &planned)
+{
+    const PanelView widest = stage.panel.widestView();
+    QVector<QPoint> points{planned.target, stage.axes.position()};
+    if (planned.kind == ScriptedMove::Turned)
+        points.append(planned.turnTarget);
+    stage.panel.setView(planned.isExact ? closeUp(planned.target, widest)
+                                        : widened(stage.panel.view(), points, widest));
+    return stage.letPanelSettle();
+}
+
+QString MoveRun::turn()
+{
+    const QString fault = halfWay();
+    if (!fault.isEmpty())
+        return fault;
+    if (!stage.panel.isMoving())
+        return QStringLiteral("ended before the turn");
+    if (!stage.panel.pick(move.planned.turnTarget))
+        return QStringLiteral("the second target is not in the chart");
+    move.turnPicked = stage.panel.target();
+    const auto hasTarget = [this] { return stage.axes.target() == move.turnPicked; };
+    const QString notWritten =
+        stage.waitFor(hasTarget, stage.timeoutMs(),
+                      QStringLiteral("the panel does not write the second target to the chip"));
+    move.turnedAt = stage.axes.position();
+    return notWritten;
+}
+
+QString MoveRun::stop()
+{
+    const QString fault = halfWay();
+    if (!fault.isEmpty())
+        return fault;
+    if (!stage.panel.isMoving())
+        return QStringLiteral("ended before the stop");
+    move.stopSample = move.samples.size();
+    return stage.panel.pressStop() ? QString() : QStringLiteral("the stop button is disabled");
+}
+
+QString MoveRun::halfWay()
+{
+    const double half = QLineF(move.start, move.picked).length() / 2;
+    const auto isThere = [this, half] {
+        return !stage.panel.isMoving() || stage.isTimeToStepIn(move.start, half);
+    };
+    return stage.waitFor(isThere, stage.timeoutMs(),
+                         QStringLiteral("the axes do not get half the way"));
+}
+
+QString MoveRun::waitForEnd()
+{
+    const QString timedOut = QStringLiteral("does not end");
+    QString fault =
+        stage.waitFor([this] { return !stage.panel.isMoving(); }, stage.timeoutMs(), timedOut);
+    move.halt = stage.axes.position();
+    if (fault == timedOut)
+        fault += QStringLiteral("; the axes are at %1").arg(describe(move.halt));
+    return fault;
+}
+
+QString MoveRun::checkHalt()
+{
+    if (!stage.axes.areAtRest())
+        return QStringLiteral("the panel reports the end while the axes move");
+    const QPoint wanted = stage.panel.target();
+    if (move.halt != wanted)
+        return QStringLiteral("ended at %1 instead of %2")
+            .arg(describe(move.halt), describe(wanted));
+    if (stage.panel.shownPosition() != move.halt)
+        return QStringLiteral("the panel shows %1 while the axes are at %2")
+            .arg(describe(stage.panel.shownPosition()), describe(move.halt));
+    const bool isOneLine = move.planned.kind != ScriptedMove::Turned;
+    if (isOneLine && largestDeviation(move) > allowedDeviation)
+        return QStringLiteral("%1 units off the straight line").arg(largestDeviation(move));
+    return QString();
+}
+
+QString MoveRun::checkStaysPut()
+{
+    const auto hasMoved = [this] {
+        return !stage.axes.areAtRest() || stage.axes.position() != move.halt;
+    };
+    return stage.watchAgainst(hasMoved, stayPutMs,
+                              QStringLiteral("the axes moved on after the stop"));
+}
+
+} // namespace workbench
