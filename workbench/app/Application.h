@@ -2,13 +2,6 @@
 
 namespace workbench {
 
-/// The exit codes of the program.
-namespace exitCode {
-constexpr int success = 0;
-constexpr int failure = 1; ///< an unattended run did not go as it should
-constexpr int usage = 2;   ///< the command line or a file named on it is wrong
-} // namespace exitCode
-
 /// The program from its start to its exit code.
 int runApplication(int argc, char *argv[]);
 

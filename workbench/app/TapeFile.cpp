@@ -1,7 +1,7 @@
 #include "TapeFile.h"
 
+#include "Complaints.h"
 #include "OutputFile.h"
-#include "RunOutput.h"
 #include "TapeReader.h"
 #include "TapeRecorder.h"
 

@@ -47,15 +47,4 @@ void RunOutput::clearProgress()
     hasProgress = false;
 }
 
-void complain(const QString &text)
-{
-    print(stderr, QStringLiteral("workbench: %1\n").arg(text));
-}
-
-void complainAbout(const QString &fileName, qint64 line, const QString &reason)
-{
-    const QString text = QStringLiteral("%1:%2: %3\n").arg(fileName, QString::number(line), reason);
-    std::fputs(text.toLocal8Bit().constData(), stderr);
-}
-
 } // namespace workbench

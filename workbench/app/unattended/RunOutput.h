@@ -22,10 +22,4 @@ private:
     bool hasProgress = false;
 };
 
-/// One line on the standard error output, behind the program's name.
-void complain(const QString &text);
-
-/// One line on the standard error output, "FILE:LINE: reason".
-void complainAbout(const QString &fileName, qint64 line, const QString &reason);
-
 } // namespace workbench

@@ -1,6 +1,6 @@
 #include "UnattendedRun.h"
 
-#include "Application.h"
+#include "Complaints.h"
 #include "FlightPathEditor.h"
 #include "FlightPoints.h"
 #include "FlightRun.h"
@@ -22,14 +22,7 @@ namespace workbench {
 
 namespace {
 
-/// What went wrong, and the program's exit code for that. Nothing did while the text is empty.
-struct RunFault
-{
-    QString text;
-    int code = exitCode::failure;
-};
-
-RunFault failure(const QString &text)
+Complaint failure(const QString &text)
 {
     return {text, exitCode::failure};
 }
@@ -74,8 +67,8 @@ QString cannotOpen(const QString &fileName)
 }
 
 /// Gives the panel the path of a file, or leaves its built-in one when there is no file.
-RunFault prepareFlightPath(const QString &fileName, const PanelDriver &panel, RunOutput &output,
-                           QVector<QPointF> *path)
+Complaint prepareFlightPath(const QString &fileName, const PanelDriver &panel, RunOutput &output,
+                            QVector<QPointF> *path)
 {
     FlightPathEditor editor(panel);
     if (fileName.isEmpty()) {
@@ -105,12 +98,12 @@ QString runMoves(RunStage &stage, const QVector<ScriptedMove> &moves)
 
 /// The built-in run: the moves, then back to where the built-in path begins, so that the figure
 /// stands alone in the chart, and along that path.
-RunFault runParts(const Options &options, RunStage &stage)
+Complaint runParts(const Options &options, RunStage &stage)
 {
     if (!options.targets.isEmpty())
         return failure(runMoves(stage, movesTo(options.targets)));
     QVector<QPointF> path;
-    const RunFault fault =
+    const Complaint fault =
         prepareFlightPath(options.flightPathFile, stage.panel, stage.output, &path);
     if (!fault.text.isEmpty())
         return fault;
@@ -123,7 +116,7 @@ RunFault runParts(const Options &options, RunStage &stage)
     return failure(text);
 }
 
-RunFault runInterruptibly(const Options &options, RunStage &stage, const StopSignal &stopSignal)
+Complaint runInterruptibly(const Options &options, RunStage &stage, const StopSignal &stopSignal)
 {
     const QObject listener;
     const auto interrupt = [&stage] { stage.interrupt(); };
@@ -147,7 +140,7 @@ QString writeFiles(const Options &options, QWidget *panel, RecordWriter &record,
     return record.finish();
 }
 
-RunFault runAndReport(const Options &options, Workbench &workbench, const StopSignal &stopSignal)
+Complaint runAndReport(const Options &options, Workbench &workbench, const StopSignal &stopSignal)
 {
     ToolsInterface *const tool = workbench.driveTool();
     if (!tool)
@@ -165,7 +158,7 @@ RunFault runAndReport(const Options &options, Workbench &workbench, const StopSi
     RunOutput output;
     RunStage stage(workbench.module(), workbench.tape(), workbench.sampleTap(), panel, record,
                    output);
-    RunFault fault = runInterruptibly(options, stage, stopSignal);
+    Complaint fault = runInterruptibly(options, stage, stopSignal);
     if (fault.text.isEmpty())
         fault = failure(stage.replay.faultAtEnd());
     if (!fault.text.isEmpty())
@@ -180,7 +173,7 @@ RunFault runAndReport(const Options &options, Workbench &workbench, const StopSi
 }
 
 /// The tape is kept whatever comes of the run: it is wanted most when that fails.
-RunFault runOnTape(const Options &options, Workbench &workbench)
+Complaint runOnTape(const Options &options, Workbench &workbench)
 {
     // From before the first file is opened, so that no signal leaves a part of one behind.
     const StopSignal stopSignal;
@@ -188,7 +181,7 @@ RunFault runOnTape(const Options &options, Workbench &workbench)
     const QString notOpened = tape.begin(options.tapeFile, options.tapeSizeLimit);
     if (!notOpened.isEmpty())
         return failure(notOpened);
-    const RunFault fault = runAndReport(options, workbench, stopSignal);
+    const Complaint fault = runAndReport(options, workbench, stopSignal);
     const QString notWritten = tape.finish();
     if (fault.text.isEmpty())
         return failure(notWritten);
@@ -211,7 +204,7 @@ int runUnattended(const Options &options, const ChipDescription &chip,
     }
     QApplication::setQuitOnLastWindowClosed(false);
     Workbench workbench(options, chip, replay);
-    const RunFault fault = runOnTape(options, workbench);
+    const Complaint fault = runOnTape(options, workbench);
     if (fault.text.isEmpty())
         return exitCode::success;
     complain(fault.text);

@@ -2,6 +2,7 @@
 
 #include "ChipDescription.h"
 #include "CommandLine.h"
+#include "ExitCodes.h"
 #include "Tape.h"
 
 #include <optional>
@@ -11,7 +12,7 @@ namespace workbench {
 /// An unattended run, of the simulated module or of the tape, from the first file opened to the
 /// summary: carries the moves out, writes the record and the picture, reports on the standard
 /// outputs. SIGINT and SIGTERM stop the axes and end it, as does closing the window; no record is
-/// left then. Returns the exit code.
+/// left then. Returns one of exitCode.
 int runUnattended(const Options &options, const ChipDescription &chip,
                   const std::optional<Tape> &replay = std::nullopt);
 
