@@ -143,9 +143,9 @@ QString checkRegisters(const ChipDescription &chip)
         if (entry.range &&
             (resetOf(entry) < entry.range->minimum || resetOf(entry) > entry.range->maximum))
             return QStringLiteral("a reset value outside the range");
-        const QString fault = checkFields(entry, identifiers);
-        if (!fault.isEmpty())
-            return fault;
+        const QString problem = checkFields(entry, identifiers);
+        if (!problem.isEmpty())
+            return problem;
     }
     return QString();
 }
@@ -169,9 +169,9 @@ QString checkChipDescription(const QByteArray &bytes)
     workbench::ChipDescriptionError error;
     const std::optional<ChipDescription> chip = read(bytes, &error);
     if (!chip)
-        return checkFault(bytes, error.line, error.reason);
-    const QString fault = checkRegisters(*chip);
-    return fault.isEmpty() ? checkReadsTheSame(*chip) : fault;
+        return checkRefusal(bytes, error.line, error.reason);
+    const QString problem = checkRegisters(*chip);
+    return problem.isEmpty() ? checkReadsTheSame(*chip) : problem;
 }
 
 } // namespace fuzz

@@ -107,16 +107,16 @@ QString checkLines(const QByteArray &bytes, const QVector<QStringList> &lines)
 QString checkFlightPath(const QByteArray &bytes)
 {
     const Reading reading = read(bytes);
-    QString fault = checkTitle(bytes, reading.file.title);
-    if (fault.isEmpty())
-        fault = checkLines(bytes, reading.lines);
+    QString problem = checkTitle(bytes, reading.file.title);
+    if (problem.isEmpty())
+        problem = checkLines(bytes, reading.lines);
     for (const QPointF &point : reading.file.points) {
         if (!drive::isFinite(point))
             return QStringLiteral("a point that is not finite");
     }
-    if (fault.isEmpty() && reading.file.points != pointsOf(reading.lines))
+    if (problem.isEmpty() && reading.file.points != pointsOf(reading.lines))
         return QStringLiteral("the points are not those of the fields");
-    return fault;
+    return problem;
 }
 
 } // namespace fuzz

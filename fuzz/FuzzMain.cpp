@@ -19,9 +19,9 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const QByteArray bytes(reinterpret_cast<const char *>(data), static_cast<int>(size));
-    const QString fault = fuzz::FUZZ_TARGET(bytes);
-    if (!fault.isEmpty()) {
-        std::fprintf(stderr, "property broken: %s\n", qPrintable(fault));
+    const QString problem = fuzz::FUZZ_TARGET(bytes);
+    if (!problem.isEmpty()) {
+        std::fprintf(stderr, "property broken: %s\n", qPrintable(problem));
         std::abort();
     }
     return 0;

@@ -58,11 +58,11 @@ QString checkTape(const QByteArray &bytes)
     workbench::TapeError error;
     const std::optional<Tape> tape = read(bytes, &error);
     if (!tape)
-        return checkFault(bytes, error.line, error.reason);
+        return checkRefusal(bytes, error.line, error.reason);
     if (!bytes.contains("end "))
         return QStringLiteral("a tape without an end");
-    const QString fault = checkEntries(*tape);
-    return fault.isEmpty() ? checkReadsTheSame(*tape) : fault;
+    const QString problem = checkEntries(*tape);
+    return problem.isEmpty() ? checkReadsTheSame(*tape) : problem;
 }
 
 } // namespace fuzz

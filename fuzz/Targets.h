@@ -13,6 +13,6 @@ QString checkChipDescription(const QByteArray &bytes);
 QString checkTape(const QByteArray &bytes);
 
 /// What a message on a refused file must be: a line within the file, from 1, and one line of text.
-QString checkFault(const QByteArray &bytes, qint64 line, const QString &reason);
+QString checkRefusal(const QByteArray &bytes, qint64 line, const QString &reason);
 
 } // namespace fuzz

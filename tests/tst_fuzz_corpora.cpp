@@ -93,7 +93,7 @@ void FuzzCorporaTest::faultMustLieWithinTheFileAndFillOneLine()
     QFETCH(qint64, line);
     QFETCH(QString, reason);
     QFETCH(bool, isFine);
-    QCOMPARE(fuzz::checkFault("one\ntwo\n", line, reason).isEmpty(), isFine);
+    QCOMPARE(fuzz::checkRefusal("one\ntwo\n", line, reason).isEmpty(), isFine);
 }
 
 QTEST_GUILESS_MAIN(FuzzCorporaTest)

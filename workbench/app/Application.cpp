@@ -92,16 +92,16 @@ int runInWindow(const Options &options, const ChipDescription &chip,
         });
     }
     TapeFile tape(workbench.tapeRecorder());
-    QString fault = tape.begin(options.tapeFile, options.tapeSizeLimit);
-    if (fault.isEmpty()) {
+    QString problem = tape.begin(options.tapeFile, options.tapeSizeLimit);
+    if (problem.isEmpty()) {
         workbench.window().rememberLayout();
         workbench.show();
         QApplication::exec();
-        fault = tape.finish();
+        problem = tape.finish();
     }
-    if (!fault.isEmpty())
-        complain(fault);
-    return fault.isEmpty() ? exitCode::success : exitCode::failure;
+    if (!problem.isEmpty())
+        complain(problem);
+    return problem.isEmpty() ? exitCode::success : exitCode::failure;
 }
 
 } // namespace

@@ -95,7 +95,7 @@ std::optional<QPoint> point(const QString &text)
     return QPoint(*x, *y);
 }
 
-/// Takes the options' values over, one kind after another, until the first fault.
+/// Takes the options' values over, one kind after another, until the first problem.
 class OptionsReader
 {
 public:
@@ -111,16 +111,16 @@ public:
         readLinkCost();
         readFaults();
         checkCombination();
-        if (!fault.isEmpty())
-            return {CommandLine::Refuse, {}, fault};
+        if (!problem.isEmpty())
+            return {CommandLine::Refuse, {}, problem};
         return {CommandLine::Run, options, {}};
     }
 
 private:
     void fail(const QString &reason)
     {
-        if (fault.isEmpty())
-            fault = reason;
+        if (problem.isEmpty())
+            problem = reason;
     }
 
     QString fileName(const QCommandLineOption &option, const QString &whenNotGiven)
@@ -221,7 +221,7 @@ private:
 
     const QCommandLineParser &parser;
     Options options;
-    QString fault;
+    QString problem;
 };
 
 } // namespace

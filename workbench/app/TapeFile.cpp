@@ -32,9 +32,9 @@ QString TapeFile::begin(const QString &fileName, qint64 sizeLimit)
 {
     if (fileName.isEmpty())
         return QString();
-    const QString fault = openOutput(file, fileName);
-    if (!fault.isEmpty())
-        return fault;
+    const QString problem = openOutput(file, fileName);
+    if (!problem.isEmpty())
+        return problem;
     recorder.onFull = [fileName] {
         qCWarning(tapeLog).noquote()
             << fileName + QStringLiteral(": the tape is full and ends here");

@@ -29,7 +29,7 @@ public:
     QString begin(const QString &fileName, qint64 sizeLimit = maximumTapeSize);
 
     /// Ends the tape. Returns like begin(); nothing happens, successfully, without a tape. A tape
-    /// that became full is a fault too, but is kept.
+    /// that became full is a problem too, but is kept.
     QString finish();
 
 private:

@@ -73,7 +73,7 @@ public:
     }
 
     bool read(Tape *tape);
-    const TapeError &error() const { return fault; }
+    const TapeError &error() const { return firstError; }
 
 private:
     bool nextLine(QByteArray *line);
@@ -83,14 +83,14 @@ private:
     bool fail(const QString &reason);
 
     QIODevice *device;
-    TapeError fault;
+    TapeError firstError;
     qint64 size = 0;
     bool isLineComplete = true; ///< The line read last had an end, so another may follow.
 };
 
 bool Reader::fail(const QString &reason)
 {
-    fault.reason = reason;
+    firstError.reason = reason;
     return false;
 }
 
@@ -98,7 +98,7 @@ bool Reader::fail(const QString &reason)
 bool Reader::nextLine(QByteArray *line)
 {
     do {
-        fault.line += isLineComplete ? 1 : 0;
+        firstError.line += isLineComplete ? 1 : 0;
         *line = device->readLine(maximumTapeLine);
         isLineComplete = line->endsWith('\n');
         if (line->isEmpty())

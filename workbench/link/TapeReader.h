@@ -36,7 +36,7 @@ struct TapeError
 /// with # are passed over.
 ///
 /// Nothing of a faulty tape is returned: the result is empty and `error`, unless null, is set to
-/// the first fault. Tapes beyond maximumTapeSize are refused.
+/// the first error. Tapes beyond maximumTapeSize are refused.
 std::optional<Tape> readTape(QIODevice *device, TapeError *error);
 
 } // namespace workbench

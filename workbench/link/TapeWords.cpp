@@ -128,8 +128,8 @@ QString TapeWords::shown(const QByteArray &text)
 
 void TapeWords::fail(const QString &reason)
 {
-    if (fault.isEmpty())
-        fault = reason;
+    if (firstError.isEmpty())
+        firstError = reason;
 }
 
 } // namespace workbench

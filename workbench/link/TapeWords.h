@@ -6,7 +6,7 @@
 
 namespace workbench {
 
-/// The words of one line of a tape, taken from the left. The first fault found is kept; what is
+/// The words of one line of a tape, taken from the left. The first error found is kept; what is
 /// taken after that is without meaning, so a caller takes everything and then looks at error().
 /// `what` says what is wanted, for the messages.
 class TapeWords
@@ -17,8 +17,8 @@ public:
     {
     }
 
-    /// One line; empty when there is no fault.
-    QString error() const { return fault; }
+    /// One line; empty when there is no error.
+    QString error() const { return firstError; }
 
     QByteArray take(const char *what);
     bool takeIf(const char *word);
@@ -41,7 +41,7 @@ private:
 
     QList<QByteArray> words;
     int next = 0;
-    QString fault;
+    QString firstError;
 };
 
 } // namespace workbench

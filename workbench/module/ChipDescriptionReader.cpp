@@ -24,7 +24,7 @@ public:
     }
 
     bool read(ChipDescription *chip);
-    const ChipDescriptionError &error() const { return fault; }
+    const ChipDescriptionError &error() const { return firstError; }
 
 private:
     bool readToRoot();
@@ -40,7 +40,7 @@ private:
     bool fail(const QString &reason);
 
     QXmlStreamReader xml;
-    ChipDescriptionError fault;
+    ChipDescriptionError firstError;
     QSet<QString> names;
     QSet<unsigned int> addresses;
     QSet<QString> identifiers;
@@ -60,8 +60,8 @@ QString inOneLine(QString reason)
 
 bool Reader::fail(const QString &reason)
 {
-    fault.line = xml.lineNumber();
-    fault.reason = inOneLine(reason);
+    firstError.line = xml.lineNumber();
+    firstError.reason = inOneLine(reason);
     return false;
 }
 
@@ -226,16 +226,16 @@ QByteArray readAllowed(QIODevice *device)
 std::optional<ChipDescription> readChipDescription(QIODevice *device, ChipDescriptionError *error)
 {
     const QByteArray data = readAllowed(device);
-    ChipDescriptionError fault{1, QStringLiteral("the file is larger than 16 MiB")};
+    ChipDescriptionError refusal{1, QStringLiteral("the file is larger than 16 MiB")};
     if (data.size() <= maximumFileSize) {
         Reader reader(data);
         ChipDescription chip;
         if (reader.read(&chip))
             return chip;
-        fault = reader.error();
+        refusal = reader.error();
     }
     if (error)
-        *error = fault;
+        *error = refusal;
     return std::nullopt;
 }
 

@@ -27,7 +27,7 @@ struct ChipDescriptionError
 /// `access` is r, w or rw. Numbers are decimal, or hexadecimal behind 0x. `unit`, `min` and `max`
 /// (the two only together) and `signed` (true or false) may be left out, everything else is needed.
 /// Nothing of a faulty file is returned: the result is empty and `error`, unless null, is set to
-/// the first fault. Files beyond 16 MiB, 4096 registers or 1024 characters a text are refused.
+/// the first error. Files beyond 16 MiB, 4096 registers or 1024 characters a text are refused.
 std::optional<ChipDescription> readChipDescription(QIODevice *device, ChipDescriptionError *error);
 
 } // namespace workbench

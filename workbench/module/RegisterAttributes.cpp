@@ -90,8 +90,8 @@ AttributeReader::AttributeReader(const QXmlStreamAttributes &attributes,
 
 void AttributeReader::fail(const QString &reason)
 {
-    if (fault.isEmpty())
-        fault = reason;
+    if (firstError.isEmpty())
+        firstError = reason;
 }
 
 void AttributeReader::checkKnown(const QStringList &required, const QStringList &optional)

@@ -56,7 +56,7 @@ QString FlightPathEditor::read(QVector<QPointF> *points)
     file.clear();
     result = points;
     open();
-    return fault;
+    return problem;
 }
 
 QString FlightPathEditor::load(const QString &fileName, QVector<QPointF> *points)
@@ -64,12 +64,12 @@ QString FlightPathEditor::load(const QString &fileName, QVector<QPointF> *points
     file = QFileInfo(fileName).absoluteFilePath();
     result = points;
     open();
-    return fault;
+    return problem;
 }
 
 void FlightPathEditor::open()
 {
-    fault.clear();
+    problem.clear();
     isOperated = false;
     isLoaded = false;
     result->clear();
@@ -169,8 +169,8 @@ void FlightPathEditor::giveUp()
 
 void FlightPathEditor::fail(const QString &reason)
 {
-    if (fault.isEmpty())
-        fault = reason;
+    if (problem.isEmpty())
+        problem = reason;
 }
 
 } // namespace workbench

@@ -48,7 +48,7 @@ private:
     PanelDriver panel;
     QString file; ///< absolute; empty to load none
     QVector<QPointF> *result = nullptr;
-    QString fault;
+    QString problem;
     bool isOperated = false;
     bool isLoaded = false;
     std::unique_ptr<QObject> pendingSteps; ///< their context: none outlives the dialog

@@ -23,9 +23,9 @@ QString savePicture(QWidget *panel, const QString &fileName)
     panel->render(&image);
 
     QSaveFile file;
-    const QString fault = openOutput(file, fileName);
-    if (!fault.isEmpty())
-        return fault;
+    const QString problem = openOutput(file, fileName);
+    if (!problem.isEmpty())
+        return problem;
     QImageWriter writer(&file, QFileInfo(fileName).suffix().toLatin1());
     if (!writer.write(image))
         return QStringLiteral("%1: %2").arg(fileName, writer.errorString());

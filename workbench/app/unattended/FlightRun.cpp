@@ -35,25 +35,25 @@ FlightRun::~FlightRun()
 
 QString FlightRun::carryOut(const QVector<QPoint> &points)
 {
-    const QString fault = drive(points);
-    if (fault.isEmpty())
+    const QString problem = drive(points);
+    if (problem.isEmpty())
         stage.output.line(summary());
     else
         stage.haltAxes();
-    return fault.isEmpty() ? fault : QStringLiteral("flight path: %1").arg(fault);
+    return problem.isEmpty() ? problem : QStringLiteral("flight path: %1").arg(problem);
 }
 
 QString FlightRun::drive(const QVector<QPoint> &points)
 {
-    QString fault = begin(points);
-    for (int index = 0; fault.isEmpty() && index < points.size(); ++index) {
-        fault = waitForPoint(index);
-        if (fault.isEmpty())
+    QString problem = begin(points);
+    for (int index = 0; problem.isEmpty() && index < points.size(); ++index) {
+        problem = waitForPoint(index);
+        if (problem.isEmpty())
             stage.output.line(QStringLiteral("%1: reached after %2 s")
                                   .arg(title(index))
                                   .arg(progress.secondsTo(index), 0, 'f', 2));
     }
-    return fault.isEmpty() ? checkEnd() : fault;
+    return problem.isEmpty() ? checkEnd() : problem;
 }
 
 QString FlightRun::begin(const QVector<QPoint> &points)
@@ -62,9 +62,9 @@ QString FlightRun::begin(const QVector<QPoint> &points)
     const PanelView widest = stage.panel.widestView();
     stage.panel.setView(
         widened(closeUp(points.constFirst(), widest), points + QVector<QPoint>{start}, widest));
-    const QString fault = stage.letPanelSettle();
-    if (!fault.isEmpty())
-        return fault;
+    const QString problem = stage.letPanelSettle();
+    if (!problem.isEmpty())
+        return problem;
     if (!stage.panel.pressClear())
         return QStringLiteral("the clear button is disabled");
     QAction *const run = stage.panel.menuEntry(QStringLiteral("Run flight path"));
@@ -78,10 +78,10 @@ QString FlightRun::begin(const QVector<QPoint> &points)
 QString FlightRun::waitForPoint(int index)
 {
     const QString timedOut = QStringLiteral("the axes do not come to rest");
-    const QString fault =
+    const QString problem =
         stage.waitFor([this, index] { return hasLeft(index); }, stage.timeoutMs(), timedOut);
-    if (!fault.isEmpty())
-        return notReached(index, fault);
+    if (!problem.isEmpty())
+        return notReached(index, problem);
     if (progress.reachedCount() > index)
         return QString();
     return notReached(index, stage.panel.isMoving() ? QStringLiteral("the panel drives on")

@@ -36,10 +36,10 @@ QString MoveRun::carryOut(const QVector<ScriptedMove> &moves)
 {
     for (const ScriptedMove &planned : moves) {
         ++number;
-        const QString fault = carryOut(planned);
-        if (!fault.isEmpty()) {
+        const QString problem = carryOut(planned);
+        if (!problem.isEmpty()) {
             stage.haltAxes();
-            return QStringLiteral("move %1: %2").arg(number).arg(fault);
+            return QStringLiteral("move %1: %2").arg(number).arg(problem);
         }
         stage.output.line(describe(move, number));
     }
@@ -50,27 +50,27 @@ QString MoveRun::carryOut(const ScriptedMove &planned)
 {
     move = MoveResult();
     move.planned = planned;
-    QString fault = pickAndStart(planned);
-    if (fault.isEmpty() && planned.kind == ScriptedMove::Turned)
-        fault = turn();
-    if (fault.isEmpty() && planned.kind == ScriptedMove::Stopped)
-        fault = stop();
-    if (fault.isEmpty())
-        fault = waitForEnd();
-    if (fault.isEmpty())
-        fault = checkHalt();
-    if (fault.isEmpty() && planned.kind == ScriptedMove::Stopped)
-        fault = checkStaysPut();
-    return fault;
+    QString problem = pickAndStart(planned);
+    if (problem.isEmpty() && planned.kind == ScriptedMove::Turned)
+        problem = turn();
+    if (problem.isEmpty() && planned.kind == ScriptedMove::Stopped)
+        problem = stop();
+    if (problem.isEmpty())
+        problem = waitForEnd();
+    if (problem.isEmpty())
+        problem = checkHalt();
+    if (problem.isEmpty() && planned.kind == ScriptedMove::Stopped)
+        problem = checkStaysPut();
+    return problem;
 }
 
 /// Without a return to the event loop between the pick and the start: the panel writes a picked
 /// target to the chip by itself soon after, and in most modes the axes then go.
 QString MoveRun::pickAndStart(const ScriptedMove &planned)
 {
-    const QString fault = prepareView(planned);
-    if (!fault.isEmpty())
-        return fault;
+    const QString problem = prepareView(planned);
+    if (!problem.isEmpty())
+        return problem;
     if (!stage.panel.pick(planned.target))
         return QStringLiteral("the chart cannot show the target %1").arg(describe(planned.target));
     move.start = stage.axes.position();
@@ -98,9 +98,9 @@ QString MoveRun::prepareView(const ScriptedMove &planned)
 
 QString MoveRun::turn()
 {
-    const QString fault = halfWay();
-    if (!fault.isEmpty())
-        return fault;
+    const QString problem = halfWay();
+    if (!problem.isEmpty())
+        return problem;
     if (!stage.panel.isMoving())
         return QStringLiteral("ended before the turn");
     if (!stage.panel.pick(move.planned.turnTarget))
@@ -116,9 +116,9 @@ QString MoveRun::turn()
 
 QString MoveRun::stop()
 {
-    const QString fault = halfWay();
-    if (!fault.isEmpty())
-        return fault;
+    const QString problem = halfWay();
+    if (!problem.isEmpty())
+        return problem;
     if (!stage.panel.isMoving())
         return QStringLiteral("ended before the stop");
     move.stopSample = move.samples.size();
@@ -138,12 +138,12 @@ QString MoveRun::halfWay()
 QString MoveRun::waitForEnd()
 {
     const QString timedOut = QStringLiteral("does not end");
-    QString fault =
+    QString problem =
         stage.waitFor([this] { return !stage.panel.isMoving(); }, stage.timeoutMs(), timedOut);
     move.halt = stage.axes.position();
-    if (fault == timedOut)
-        fault += QStringLiteral("; the axes are at %1").arg(describe(move.halt));
-    return fault;
+    if (problem == timedOut)
+        problem += QStringLiteral("; the axes are at %1").arg(describe(move.halt));
+    return problem;
 }
 
 QString MoveRun::checkHalt()

@@ -13,10 +13,10 @@ constexpr int timeDecimals = 6;
 
 QString RecordWriter::begin(const QString &fileName)
 {
-    const QString fault = openOutput(file, fileName);
-    if (fault.isEmpty())
+    const QString problem = openOutput(file, fileName);
+    if (problem.isEmpty())
         file.write("time (s),axis 0 (units),axis 1 (units)\n");
-    return fault;
+    return problem;
 }
 
 void RecordWriter::append(const Sample &sample)

@@ -16,7 +16,7 @@ public:
     /// Opens the file. Returns an empty text, or one line that says why that is not possible.
     QString begin(const QString &fileName);
 
-    /// Nothing happens before begin(). Faults show in finish().
+    /// Nothing happens before begin(). Problems show in finish().
     void append(const Sample &sample);
 
     /// Returns like begin(). Nothing happens, successfully, when begin() was not called.

@@ -17,7 +17,7 @@ ReplayWatch::ReplayWatch(const TapeLink *played)
 {
 }
 
-QString ReplayWatch::fault() const
+QString ReplayWatch::problem() const
 {
     const QString deviates = deviation();
     const bool isInVain =
@@ -29,7 +29,7 @@ QString ReplayWatch::fault() const
     return QStringLiteral("the tape waits for %1, which does not come").arg(tape->awaitedWrite());
 }
 
-QString ReplayWatch::faultAtEnd() const
+QString ReplayWatch::problemAtEnd() const
 {
     const QString deviates = deviation();
     if (!deviates.isEmpty() || !tape || tape->isPlayed())

@@ -10,7 +10,7 @@ class TapeLink;
 class ReplayWatch
 {
 public:
-    /// Refers to the tape; null watches nothing and finds no fault.
+    /// Refers to the tape; null watches nothing and finds no problem.
     explicit ReplayWatch(const TapeLink *tape);
 
     /// Empty, or one line: the first write that was not as on the tape.
@@ -18,10 +18,10 @@ public:
 
     /// As deviation(); or that the panel and the tape wait for each other, which is known after
     /// some seconds.
-    QString fault() const;
+    QString problem() const;
 
     /// For the end of a run: as deviation(), and the tape must have been played to its end.
-    QString faultAtEnd() const;
+    QString problemAtEnd() const;
 
 private:
     const TapeLink *tape;

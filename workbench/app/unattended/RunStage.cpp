@@ -46,11 +46,11 @@ RunStage::~RunStage()
 QString RunStage::waitFor(const std::function<bool()> &condition, qint64 timeout,
                           const QString &whenTimedOut)
 {
-    QString fault;
+    QString problem;
     const auto isOver = [&] {
         const bool holds = condition();
-        fault = holds ? replay.deviation() : replay.fault();
-        return holds || !fault.isEmpty();
+        problem = holds ? replay.deviation() : replay.problem();
+        return holds || !problem.isEmpty();
     };
     switch (wait.until(isOver, timeout)) {
     case WaitResult::Interrupted:
@@ -60,7 +60,7 @@ QString RunStage::waitFor(const std::function<bool()> &condition, qint64 timeout
     case WaitResult::Happened:
         break;
     }
-    return fault;
+    return problem;
 }
 
 QString RunStage::watchAgainst(const std::function<bool()> &condition, qint64 durationMs,

@@ -52,7 +52,7 @@ public:
                          const QString &whenHappened);
 
     /// Gives the panel's chart the time to lay itself out after its limits have changed.
-    /// Returns like waitFor(), but not to have come to rest is no fault.
+    /// Returns like waitFor(), but not to have come to rest is no problem.
     QString letPanelSettle();
 
     /// True at the moment to do something in mid-move: at `distance` from `start`, or where the

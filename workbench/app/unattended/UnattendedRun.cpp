@@ -32,9 +32,9 @@ QString openFiles(const Options &options, RecordWriter &record)
 {
     if (!options.pictureFile.isEmpty()) {
         QSaveFile trial;
-        const QString fault = openOutput(trial, options.pictureFile);
-        if (!fault.isEmpty())
-            return fault;
+        const QString problem = openOutput(trial, options.pictureFile);
+        if (!problem.isEmpty())
+            return problem;
     }
     return options.recordFile.isEmpty() ? QString() : record.begin(options.recordFile);
 }
@@ -72,13 +72,13 @@ Complaint prepareFlightPath(const QString &fileName, const PanelDriver &panel, R
 {
     FlightPathEditor editor(panel);
     if (fileName.isEmpty()) {
-        const QString fault = editor.read(path);
-        const bool isMissing = fault.isEmpty() && path->isEmpty();
-        return failure(isMissing ? QStringLiteral("the panel has no flight path") : fault);
+        const QString problem = editor.read(path);
+        const bool isMissing = problem.isEmpty() && path->isEmpty();
+        return failure(isMissing ? QStringLiteral("the panel has no flight path") : problem);
     }
-    const QString fault = editor.load(fileName, path);
-    if (!fault.isEmpty())
-        return {QStringLiteral("%1: %2").arg(fileName, fault), exitCode::usage};
+    const QString problem = editor.load(fileName, path);
+    if (!problem.isEmpty())
+        return {QStringLiteral("%1: %2").arg(fileName, problem), exitCode::usage};
     if (path->isEmpty())
         return {QStringLiteral("%1: holds no point").arg(fileName), exitCode::usage};
     const QString outside = outOfRange(*path);
@@ -103,10 +103,10 @@ Complaint runParts(const Options &options, RunStage &stage)
     if (!options.targets.isEmpty())
         return failure(runMoves(stage, movesTo(options.targets)));
     QVector<QPointF> path;
-    const Complaint fault =
+    const Complaint problem =
         prepareFlightPath(options.flightPathFile, stage.panel, stage.output, &path);
-    if (!fault.text.isEmpty())
-        return fault;
+    if (!problem.text.isEmpty())
+        return problem;
     const QVector<QPoint> points = drivenPoints(path);
     QString text;
     if (options.flightPathFile.isEmpty())
@@ -129,9 +129,9 @@ Complaint runInterruptibly(const Options &options, RunStage &stage, const StopSi
 QString writeFiles(const Options &options, QWidget *panel, RecordWriter &record, QString *summary)
 {
     if (!options.pictureFile.isEmpty()) {
-        const QString fault = savePicture(panel, options.pictureFile);
-        if (!fault.isEmpty())
-            return fault;
+        const QString problem = savePicture(panel, options.pictureFile);
+        if (!problem.isEmpty())
+            return problem;
         *summary += QStringLiteral("; picture in %1").arg(options.pictureFile);
     }
     if (!options.recordFile.isEmpty())
@@ -158,11 +158,11 @@ Complaint runAndReport(const Options &options, Workbench &workbench, const StopS
     RunOutput output;
     RunStage stage(workbench.module(), workbench.tape(), workbench.sampleTap(), panel, record,
                    output);
-    Complaint fault = runInterruptibly(options, stage, stopSignal);
-    if (fault.text.isEmpty())
-        fault = failure(stage.replay.faultAtEnd());
-    if (!fault.text.isEmpty())
-        return fault;
+    Complaint problem = runInterruptibly(options, stage, stopSignal);
+    if (problem.text.isEmpty())
+        problem = failure(stage.replay.problemAtEnd());
+    if (!problem.text.isEmpty())
+        return problem;
     QString summary = QStringLiteral("all moves as planned");
     if (workbench.tape())
         summary += QStringLiteral(", as on %1").arg(options.replayFile);
@@ -181,13 +181,13 @@ Complaint runOnTape(const Options &options, Workbench &workbench)
     const QString notOpened = tape.begin(options.tapeFile, options.tapeSizeLimit);
     if (!notOpened.isEmpty())
         return failure(notOpened);
-    const Complaint fault = runAndReport(options, workbench, stopSignal);
+    const Complaint problem = runAndReport(options, workbench, stopSignal);
     const QString notWritten = tape.finish();
-    if (fault.text.isEmpty())
+    if (problem.text.isEmpty())
         return failure(notWritten);
     if (!notWritten.isEmpty())
         complain(notWritten);
-    return fault;
+    return problem;
 }
 
 } // namespace
@@ -204,11 +204,11 @@ int runUnattended(const Options &options, const ChipDescription &chip,
     }
     QApplication::setQuitOnLastWindowClosed(false);
     Workbench workbench(options, chip, replay);
-    const Complaint fault = runOnTape(options, workbench);
-    if (fault.text.isEmpty())
+    const Complaint problem = runOnTape(options, workbench);
+    if (problem.text.isEmpty())
         return exitCode::success;
-    complain(fault.text);
-    return fault.code;
+    complain(problem.text);
+    return problem.code;
 }
 
 } // namespace workbench

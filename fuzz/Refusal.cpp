@@ -22,10 +22,10 @@ bool isOneLine(const QString &text)
 
 } // namespace
 
-QString checkFault(const QByteArray &bytes, qint64 line, const QString &reason)
+QString checkRefusal(const QByteArray &bytes, qint64 line, const QString &reason)
 {
     if (line < 1 || line > lineCount(bytes))
-        return QStringLiteral("a fault on line %1 of %2").arg(line).arg(lineCount(bytes));
+        return QStringLiteral("an error on line %1 of %2").arg(line).arg(lineCount(bytes));
     if (!isOneLine(reason))
         return QStringLiteral("a reason that is not one line: ") + reason;
     if (reason.endsWith(QLatin1Char('.')))
