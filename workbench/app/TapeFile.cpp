@@ -1,12 +1,11 @@
 #include "TapeFile.h"
 
 #include "Complaints.h"
+#include "InputFile.h"
 #include "OutputFile.h"
 #include "TapeReader.h"
 #include "TapeRecorder.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QLoggingCategory>
 
 namespace workbench {
@@ -58,15 +57,10 @@ QString TapeFile::finish()
 
 std::optional<Tape> readTapeFile(const QString &fileName)
 {
-    const QFileInfo info(fileName);
-    QFile file(fileName);
-    // To open a device or a pipe could block.
-    if (info.exists() && !info.isFile()) {
-        complain(QStringLiteral("%1: is not an ordinary file").arg(fileName));
-        return std::nullopt;
-    }
-    if (!file.open(QIODevice::ReadOnly)) {
-        complain(QStringLiteral("%1: %2").arg(fileName, file.errorString()));
+    QFile file;
+    const QString problem = openInput(file, fileName);
+    if (!problem.isEmpty()) {
+        complain(problem);
         return std::nullopt;
     }
     TapeError error;
