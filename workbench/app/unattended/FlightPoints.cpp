@@ -1,7 +1,7 @@
 #include "FlightPoints.h"
 
-#include "DualAxisMotion.h"
-#include "MoveResult.h"
+#include "PositionPacking.h"
+#include "Wording.h"
 
 namespace workbench {
 
@@ -33,11 +33,7 @@ QString outOfRange(const QVector<QPointF> &path)
 {
     for (int i = 0; i < path.size(); ++i) {
         if (!isPosition(path.at(i).x()) || !isPosition(path.at(i).y()))
-            return QStringLiteral("point %1 at %2 is out of the chip's range, %3 to %4")
-                .arg(i + 1)
-                .arg(describe(path.at(i)))
-                .arg(minimumPosition)
-                .arg(maximumPosition);
+            return wording::pointOutOfRange(i + 1, path.at(i));
     }
     return QString();
 }
@@ -52,17 +48,7 @@ QString fractionNote(const QVector<QPointF> &path)
     }
     if (count == 0)
         return QString();
-    return QStringLiteral("%1 of %2 points with fractions, which the panel drops: %3 is driven to "
-                          "as %4")
-        .arg(count)
-        .arg(path.size())
-        .arg(describe(first), describe(drivenPoint(first)));
-}
-
-QString describe(const QPointF &point)
-{
-    constexpr int digits = 10;
-    return QStringLiteral("%1,%2").arg(point.x(), 0, 'g', digits).arg(point.y(), 0, 'g', digits);
+    return wording::fractionsDropped(count, path.size(), first, drivenPoint(first));
 }
 
 } // namespace workbench

@@ -17,6 +17,4 @@ QString outOfRange(const QVector<QPointF> &path);
 /// What there is to say about points with fractions; empty when there are none.
 QString fractionNote(const QVector<QPointF> &path);
 
-QString describe(const QPointF &point);
-
 } // namespace workbench

@@ -1,8 +1,8 @@
 #include "FlightRun.h"
 
-#include "MoveResult.h"
 #include "RunStage.h"
 #include "SimulatedModule.h"
+#include "Wording.h"
 
 #include <QAction>
 
@@ -19,11 +19,7 @@ FlightRun::FlightRun(RunStage &runStage)
 {
     stage.onSample = [this](const Sample &sample) { take(sample); };
     stage.progressText = [this] {
-        return QStringLiteral("point %1 of %2: on the way at %3, %4 samples")
-            .arg(progress.reachedCount() + 1)
-            .arg(progress.pointCount())
-            .arg(describe(stage.panel.shownPosition()))
-            .arg(progress.sampleCount());
+        return wording::flightUnderWay(progress, stage.panel.shownPosition());
     };
 }
 
@@ -37,10 +33,10 @@ QString FlightRun::carryOut(const QVector<QPoint> &points)
 {
     const QString problem = drive(points);
     if (problem.isEmpty())
-        stage.output.line(summary());
+        stage.output.line(wording::flightDone(progress));
     else
         stage.haltAxes();
-    return problem.isEmpty() ? problem : QStringLiteral("flight path: %1").arg(problem);
+    return problem.isEmpty() ? problem : wording::flightFailed(problem);
 }
 
 QString FlightRun::drive(const QVector<QPoint> &points)
@@ -49,9 +45,7 @@ QString FlightRun::drive(const QVector<QPoint> &points)
     for (int index = 0; problem.isEmpty() && index < points.size(); ++index) {
         problem = waitForPoint(index);
         if (problem.isEmpty())
-            stage.output.line(QStringLiteral("%1: reached after %2 s")
-                                  .arg(title(index))
-                                  .arg(progress.secondsTo(index), 0, 'f', 2));
+            stage.output.line(wording::pointReached(progress, index));
     }
     return problem.isEmpty() ? checkEnd() : problem;
 }
@@ -66,26 +60,25 @@ QString FlightRun::begin(const QVector<QPoint> &points)
     if (!problem.isEmpty())
         return problem;
     if (!stage.panel.pressClear())
-        return QStringLiteral("the clear button is disabled");
+        return wording::clearDisabled;
     QAction *const run = stage.panel.menuEntry(QStringLiteral("Run flight path"));
     if (!run || !run->isEnabled())
-        return QStringLiteral("the start button's menu does not offer to run it");
+        return wording::flightNotOffered;
     progress = FlightProgress(points, start, stage.module.clock().now());
     run->trigger();
-    return stage.panel.isMoving() ? QString() : QStringLiteral("the menu starts nothing");
+    return stage.panel.isMoving() ? QString() : wording::flightWithoutEffect;
 }
 
 QString FlightRun::waitForPoint(int index)
 {
-    const QString timedOut = QStringLiteral("the axes do not come to rest");
     const QString problem =
-        stage.waitFor([this, index] { return hasLeft(index); }, stage.timeoutMs(), timedOut);
+        stage.waitFor([this, index] { return hasLeft(index); }, stage.timeoutMs(), wording::noRest);
     if (!problem.isEmpty())
         return notReached(index, problem);
     if (progress.reachedCount() > index)
         return QString();
-    return notReached(index, stage.panel.isMoving() ? QStringLiteral("the panel drives on")
-                                                    : QStringLiteral("the panel ends the run"));
+    return notReached(index,
+                      stage.panel.isMoving() ? wording::panelDrivesOn : wording::panelEndsFlight);
 }
 
 /// True when the panel no longer drives to that point.
@@ -100,20 +93,17 @@ QString FlightRun::checkEnd()
 {
     const QPoint end = stage.axes.position();
     if (stage.panel.isMoving() || !stage.axes.areAtRest())
-        return QStringLiteral("the axes move on behind the last point");
+        return wording::movedBehindFlight;
     if (end != progress.point(progress.pointCount() - 1) || stage.panel.shownPosition() != end)
-        return QStringLiteral("ended at %1, the panel shows %2")
-            .arg(describe(end), describe(stage.panel.shownPosition()));
+        return wording::flightEndedElsewhere(end, stage.panel.shownPosition());
     if (progress.largestDeviation() > allowedDeviation)
-        return QStringLiteral("%1 units off the straight segments")
-            .arg(progress.largestDeviation());
+        return wording::offTheSegments(progress.largestDeviation());
     return QString();
 }
 
 QString FlightRun::notReached(int index, const QString &reason)
 {
-    return QStringLiteral("%1: not reached, %2; the axes are at %3")
-        .arg(title(index), reason, describe(stage.axes.position()));
+    return wording::pointNotReached(progress, index, reason, stage.axes.position());
 }
 
 void FlightRun::take(const Sample &sample)
@@ -123,27 +113,6 @@ void FlightRun::take(const Sample &sample)
         leg >= 0 && leg < progress.pointCount() && sample.position == progress.point(leg);
     progress.take(sample, leg,
                   isThere && stage.axes.areAtRest() && stage.axes.position() == sample.position);
-}
-
-QString FlightRun::title(int index) const
-{
-    return QStringLiteral("point %1 of %2: %3")
-        .arg(index + 1)
-        .arg(progress.pointCount())
-        .arg(describe(progress.point(index)));
-}
-
-QString FlightRun::summary() const
-{
-    return QStringLiteral(
-               "flight path: %1 of %2 points reached; %3 s, %4 samples, %5/s; at most %6 "
-               "units off the straight segments")
-        .arg(progress.reachedCount())
-        .arg(progress.pointCount())
-        .arg(progress.secondsTo(progress.pointCount() - 1), 0, 'f', 2)
-        .arg(progress.sampleCount())
-        .arg(progress.samplesPerSecond(), 0, 'f', 0)
-        .arg(progress.largestDeviation(), 0, 'f', 1);
 }
 
 } // namespace workbench

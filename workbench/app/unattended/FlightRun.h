@@ -32,8 +32,6 @@ private:
     QString notReached(int index, const QString &reason);
     void take(const Sample &sample);
     bool hasLeft(int index);
-    QString title(int index) const;
-    QString summary() const;
 
     RunStage &stage;
     FlightProgress progress;

@@ -10,38 +10,6 @@ namespace {
 
 constexpr double nsPerSecond = 1e9;
 
-QString way(const MoveResult &move)
-{
-    const QString picked = describe(move.picked);
-    switch (move.planned.kind) {
-    case ScriptedMove::Turned:
-        return QStringLiteral("target %1, on the way turned to %2; end %3")
-            .arg(picked, describe(move.turnPicked), describe(move.halt));
-    case ScriptedMove::Stopped:
-        return QStringLiteral("target %1, on the way stopped; halted at %2")
-            .arg(picked, describe(move.halt));
-    case ScriptedMove::Straight:
-        break;
-    }
-    const QString asked = move.planned.isExact
-                              ? QStringLiteral("asked for %1, ").arg(describe(move.planned.target))
-                              : QString();
-    return asked + QStringLiteral("target %1; end %2").arg(picked, describe(move.halt));
-}
-
-QString line(ScriptedMove::Kind kind)
-{
-    switch (kind) {
-    case ScriptedMove::Turned:
-        return QStringLiteral("the two lines through the turn");
-    case ScriptedMove::Stopped:
-        return QStringLiteral("the straight line before the stop");
-    case ScriptedMove::Straight:
-        break;
-    }
-    return QStringLiteral("the straight line");
-}
-
 } // namespace
 
 double durationSeconds(const MoveResult &move)
@@ -76,23 +44,6 @@ double largestDeviation(const MoveResult &move)
         break;
     }
     return largestDistanceFromPath(move.samples, {move.start, move.picked});
-}
-
-QString describe(const MoveResult &move, int number)
-{
-    return QStringLiteral("move %1: %2; %3 s, %4 samples, %5/s; at most %6 units off %7")
-        .arg(number)
-        .arg(way(move))
-        .arg(durationSeconds(move), 0, 'f', 2)
-        .arg(move.samples.size())
-        .arg(samplesPerSecond(move), 0, 'f', 0)
-        .arg(largestDeviation(move), 0, 'f', 1)
-        .arg(line(move.planned.kind));
-}
-
-QString describe(const QPoint &point)
-{
-    return QStringLiteral("%1,%2").arg(point.x()).arg(point.y());
 }
 
 } // namespace workbench

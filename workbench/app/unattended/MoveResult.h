@@ -3,7 +3,6 @@
 #include "SampleTap.h"
 #include "ScriptedMove.h"
 
-#include <QString>
 #include <QVector>
 
 namespace workbench {
@@ -31,10 +30,5 @@ double samplesPerSecond(const MoveResult &move);
 /// The largest distance in position units from the way that the axes were to take: a line, two
 /// lines for a turned move, and for a stopped one the line until the button was pressed.
 double largestDeviation(const MoveResult &move);
-
-/// One line for people, without its end.
-QString describe(const MoveResult &move, int number);
-
-QString describe(const QPoint &point);
 
 } // namespace workbench

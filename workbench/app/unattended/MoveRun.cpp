@@ -2,6 +2,7 @@
 
 #include "RunStage.h"
 #include "SimulatedModule.h"
+#include "Wording.h"
 
 #include <QLineF>
 
@@ -19,10 +20,7 @@ MoveRun::MoveRun(RunStage &runStage)
 {
     stage.onSample = [this](const Sample &sample) { move.samples.append(sample); };
     stage.progressText = [this] {
-        return QStringLiteral("move %1: %2, %3 samples")
-            .arg(number)
-            .arg(describe(stage.panel.shownPosition()))
-            .arg(move.samples.size());
+        return wording::moveUnderWay(number, stage.panel.shownPosition(), move.samples.size());
     };
 }
 
@@ -39,9 +37,9 @@ QString MoveRun::carryOut(const QVector<ScriptedMove> &moves)
         const QString problem = carryOut(planned);
         if (!problem.isEmpty()) {
             stage.haltAxes();
-            return QStringLiteral("move %1: %2").arg(number).arg(problem);
+            return wording::moveFailed(number, problem);
         }
-        stage.output.line(describe(move, number));
+        stage.output.line(wording::moveDone(number, move));
     }
     return QString();
 }
@@ -72,7 +70,7 @@ QString MoveRun::pickAndStart(const ScriptedMove &planned)
     if (!problem.isEmpty())
         return problem;
     if (!stage.panel.pick(planned.target))
-        return QStringLiteral("the chart cannot show the target %1").arg(describe(planned.target));
+        return wording::targetNotShown(planned.target);
     move.start = stage.axes.position();
     move.picked = stage.panel.target();
     stage.panel.setView(
@@ -80,8 +78,8 @@ QString MoveRun::pickAndStart(const ScriptedMove &planned)
     move.startNs = stage.module.clock().now();
     move.samples.clear();
     if (!stage.panel.pressStart())
-        return QStringLiteral("the start button is disabled");
-    return stage.panel.isMoving() ? QString() : QStringLiteral("the start button starts nothing");
+        return wording::startDisabled;
+    return stage.panel.isMoving() ? QString() : wording::startWithoutEffect;
 }
 
 /// Shows what is needed to pick the targets.
@@ -102,14 +100,12 @@ QString MoveRun::turn()
     if (!problem.isEmpty())
         return problem;
     if (!stage.panel.isMoving())
-        return QStringLiteral("ended before the turn");
+        return wording::endedBeforeTurn;
     if (!stage.panel.pick(move.planned.turnTarget))
-        return QStringLiteral("the second target is not in the chart");
+        return wording::turnTargetNotShown;
     move.turnPicked = stage.panel.target();
     const auto hasTarget = [this] { return stage.axes.target() == move.turnPicked; };
-    const QString notWritten =
-        stage.waitFor(hasTarget, stage.timeoutMs(),
-                      QStringLiteral("the panel does not write the second target to the chip"));
+    const QString notWritten = stage.waitFor(hasTarget, stage.timeoutMs(), wording::turnNotWritten);
     move.turnedAt = stage.axes.position();
     return notWritten;
 }
@@ -120,9 +116,9 @@ QString MoveRun::stop()
     if (!problem.isEmpty())
         return problem;
     if (!stage.panel.isMoving())
-        return QStringLiteral("ended before the stop");
+        return wording::endedBeforeStop;
     move.stopSample = move.samples.size();
-    return stage.panel.pressStop() ? QString() : QStringLiteral("the stop button is disabled");
+    return stage.panel.pressStop() ? QString() : wording::stopDisabled;
 }
 
 QString MoveRun::halfWay()
@@ -131,35 +127,31 @@ QString MoveRun::halfWay()
     const auto isThere = [this, half] {
         return !stage.panel.isMoving() || stage.isTimeToStepIn(move.start, half);
     };
-    return stage.waitFor(isThere, stage.timeoutMs(),
-                         QStringLiteral("the axes do not get half the way"));
+    return stage.waitFor(isThere, stage.timeoutMs(), wording::notHalfWay);
 }
 
 QString MoveRun::waitForEnd()
 {
-    const QString timedOut = QStringLiteral("does not end");
-    QString problem =
-        stage.waitFor([this] { return !stage.panel.isMoving(); }, stage.timeoutMs(), timedOut);
+    QString problem = stage.waitFor([this] { return !stage.panel.isMoving(); }, stage.timeoutMs(),
+                                    wording::noEnd);
     move.halt = stage.axes.position();
-    if (problem == timedOut)
-        problem += QStringLiteral("; the axes are at %1").arg(describe(move.halt));
+    if (problem == wording::noEnd)
+        problem += wording::axesAt(move.halt);
     return problem;
 }
 
 QString MoveRun::checkHalt()
 {
     if (!stage.axes.areAtRest())
-        return QStringLiteral("the panel reports the end while the axes move");
+        return wording::endedInMotion;
     const QPoint wanted = stage.panel.target();
     if (move.halt != wanted)
-        return QStringLiteral("ended at %1 instead of %2")
-            .arg(describe(move.halt), describe(wanted));
+        return wording::endedElsewhere(move.halt, wanted);
     if (stage.panel.shownPosition() != move.halt)
-        return QStringLiteral("the panel shows %1 while the axes are at %2")
-            .arg(describe(stage.panel.shownPosition()), describe(move.halt));
+        return wording::shownElsewhere(stage.panel.shownPosition(), move.halt);
     const bool isOneLine = move.planned.kind != ScriptedMove::Turned;
     if (isOneLine && largestDeviation(move) > allowedDeviation)
-        return QStringLiteral("%1 units off the straight line").arg(largestDeviation(move));
+        return wording::offTheLine(largestDeviation(move));
     return QString();
 }
 
@@ -168,8 +160,7 @@ QString MoveRun::checkStaysPut()
     const auto hasMoved = [this] {
         return !stage.axes.areAtRest() || stage.axes.position() != move.halt;
     };
-    return stage.watchAgainst(hasMoved, stayPutMs,
-                              QStringLiteral("the axes moved on after the stop"));
+    return stage.watchAgainst(hasMoved, stayPutMs, wording::movedAfterStop);
 }
 
 } // namespace workbench

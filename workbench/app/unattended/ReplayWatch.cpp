@@ -1,6 +1,7 @@
 #include "ReplayWatch.h"
 
 #include "TapeLink.h"
+#include "Wording.h"
 
 namespace workbench {
 
@@ -25,8 +26,8 @@ QString ReplayWatch::problem() const
     if (!deviates.isEmpty() || !isInVain)
         return deviates;
     if (tape->isAtEnd())
-        return QStringLiteral("the tape is at its end");
-    return QStringLiteral("the tape waits for %1, which does not come").arg(tape->awaitedWrite());
+        return wording::tapeAtEnd;
+    return wording::tapeWaits(tape->awaitedWrite());
 }
 
 QString ReplayWatch::problemAtEnd() const
@@ -34,17 +35,13 @@ QString ReplayWatch::problemAtEnd() const
     const QString deviates = deviation();
     if (!deviates.isEmpty() || !tape || tape->isPlayed())
         return deviates;
-    const QString next = tape->awaitedWrite();
-    return QStringLiteral("the tape was not played to its end, where %1")
-        .arg(next.isEmpty() ? QStringLiteral("the axes still move")
-                            : QStringLiteral("%1 comes next").arg(next));
+    return wording::tapeNotPlayed(tape->awaitedWrite());
 }
 
 QString ReplayWatch::deviation() const
 {
-    return tape && !tape->deviation().isEmpty()
-               ? QStringLiteral("not as on the tape: %1").arg(tape->deviation())
-               : QString();
+    return tape && !tape->deviation().isEmpty() ? wording::notAsOnTape(tape->deviation())
+                                                : QString();
 }
 
 } // namespace workbench

@@ -2,6 +2,7 @@
 
 #include "SimulatedModule.h"
 #include "TapeLink.h"
+#include "Wording.h"
 
 #include <QElapsedTimer>
 #include <QLineF>
@@ -17,8 +18,6 @@ constexpr int settleTimeoutMs = 2000;
 constexpr qint64 patienceMs = 30000;
 constexpr qint64 patienceRequests = 100; ///< for the requests before and after a move
 constexpr int patienceFactor = 4;        ///< times as long as at full speed all the way
-
-const auto interruptedText = QStringLiteral("interrupted");
 
 } // namespace
 
@@ -54,7 +53,7 @@ QString RunStage::waitFor(const std::function<bool()> &condition, qint64 timeout
     };
     switch (wait.until(isOver, timeout)) {
     case WaitResult::Interrupted:
-        return interruptedText;
+        return wording::interrupted;
     case WaitResult::TimedOut:
         return whenTimedOut;
     case WaitResult::Happened:
@@ -70,7 +69,7 @@ QString RunStage::watchAgainst(const std::function<bool()> &condition, qint64 du
     case WaitResult::Happened:
         return whenHappened;
     case WaitResult::Interrupted:
-        return interruptedText;
+        return wording::interrupted;
     case WaitResult::TimedOut:
         break;
     }

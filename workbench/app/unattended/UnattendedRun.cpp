@@ -1,7 +1,7 @@
 #include "UnattendedRun.h"
 
 #include "Complaints.h"
-#include "FlightPathEditor.h"
+#include "FlightPathSetup.h"
 #include "FlightPoints.h"
 #include "FlightRun.h"
 #include "MoveRun.h"
@@ -10,13 +10,12 @@
 #include "RunStage.h"
 #include "StopSignal.h"
 #include "TapeFile.h"
+#include "Wording.h"
 #include "Workbench.h"
 
 #include "ToolsInterface.h"
 
 #include <QApplication>
-#include <QFile>
-#include <QFileInfo>
 
 namespace workbench {
 
@@ -37,57 +36,6 @@ QString openFiles(const Options &options, RecordWriter &record)
             return problem;
     }
     return options.recordFile.isEmpty() ? QString() : record.begin(options.recordFile);
-}
-
-/// Whether the panel's file dialog offers a file of that name. To be known before: given a name
-/// that it does not offer, the dialog sometimes takes it, depending on how far it has read the
-/// folder.
-bool isOffered(const QFileInfo &info)
-{
-    const QString suffix = info.suffix().toLower();
-    return !info.isHidden() && !info.absoluteFilePath().contains(QLatin1Char('"')) &&
-           (suffix == QLatin1String("csv") || suffix == QLatin1String("txt"));
-}
-
-/// Returns an empty text, or why no flight path can be loaded from the file.
-QString cannotOpen(const QString &fileName)
-{
-    const QFileInfo info(fileName);
-    // To open a device or a pipe could block.
-    if (info.exists() && !info.isFile())
-        return QStringLiteral("%1: is not an ordinary file").arg(fileName);
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        return QStringLiteral("%1: %2").arg(fileName, file.errorString());
-    if (!isOffered(info))
-        return QStringLiteral("%1: the panel's file dialog does not take it; it wants a visible "
-                              ".csv or .txt file without a quotation mark in its name")
-            .arg(fileName);
-    return QString();
-}
-
-/// Gives the panel the path of a file, or leaves its built-in one when there is no file.
-Complaint prepareFlightPath(const QString &fileName, const PanelDriver &panel, RunOutput &output,
-                            QVector<QPointF> *path)
-{
-    FlightPathEditor editor(panel);
-    if (fileName.isEmpty()) {
-        const QString problem = editor.read(path);
-        const bool isMissing = problem.isEmpty() && path->isEmpty();
-        return failure(isMissing ? QStringLiteral("the panel has no flight path") : problem);
-    }
-    const QString problem = editor.load(fileName, path);
-    if (!problem.isEmpty())
-        return {QStringLiteral("%1: %2").arg(fileName, problem), exitCode::usage};
-    if (path->isEmpty())
-        return {QStringLiteral("%1: holds no point").arg(fileName), exitCode::usage};
-    const QString outside = outOfRange(*path);
-    if (!outside.isEmpty())
-        return {QStringLiteral("%1: %2").arg(fileName, outside), exitCode::usage};
-    const QString note = fractionNote(*path);
-    if (!note.isEmpty())
-        output.line(QStringLiteral("%1: %2").arg(fileName, note));
-    return {};
 }
 
 QString runMoves(RunStage &stage, const QVector<ScriptedMove> &moves)
@@ -125,18 +73,14 @@ Complaint runInterruptibly(const Options &options, RunStage &stage, const StopSi
     return runParts(options, stage);
 }
 
-/// Writes the files and returns the summary in `summary`, or returns what failed.
-QString writeFiles(const Options &options, QWidget *panel, RecordWriter &record, QString *summary)
+/// Returns an empty text, or what could not be written.
+QString writeFiles(const Options &options, QWidget *panel, RecordWriter &record)
 {
     if (!options.pictureFile.isEmpty()) {
         const QString problem = savePicture(panel, options.pictureFile);
         if (!problem.isEmpty())
             return problem;
-        *summary += QStringLiteral("; picture in %1").arg(options.pictureFile);
     }
-    if (!options.recordFile.isEmpty())
-        *summary +=
-            QStringLiteral("; %1 samples in %2").arg(record.sampleCount()).arg(options.recordFile);
     return record.finish();
 }
 
@@ -144,8 +88,7 @@ Complaint runAndReport(const Options &options, Workbench &workbench, const StopS
 {
     ToolsInterface *const tool = workbench.driveTool();
     if (!tool)
-        return failure(
-            QStringLiteral("no Synchronized drive plug-in in %1").arg(options.pluginsFolder));
+        return failure(wording::noTool(options.pluginsFolder));
     RecordWriter record;
     const QString notOpened = openFiles(options, record);
     if (!notOpened.isEmpty())
@@ -154,7 +97,7 @@ Complaint runAndReport(const Options &options, Workbench &workbench, const StopS
     workbench.show();
     const PanelDriver panel(tool);
     if (!panel.missingPart().isEmpty())
-        return failure(QStringLiteral("the panel has no %1").arg(panel.missingPart()));
+        return failure(wording::panelLacks(panel.missingPart()));
     RunOutput output;
     RunStage stage(workbench.module(), workbench.tape(), workbench.sampleTap(), panel, record,
                    output);
@@ -163,12 +106,9 @@ Complaint runAndReport(const Options &options, Workbench &workbench, const StopS
         problem = failure(stage.replay.problemAtEnd());
     if (!problem.text.isEmpty())
         return problem;
-    QString summary = QStringLiteral("all moves as planned");
-    if (workbench.tape())
-        summary += QStringLiteral(", as on %1").arg(options.replayFile);
-    const QString notWritten = writeFiles(options, tool, record, &summary);
+    const QString notWritten = writeFiles(options, tool, record);
     if (notWritten.isEmpty())
-        output.line(summary);
+        output.line(wording::allAsPlanned(options, record.sampleCount()));
     return failure(notWritten);
 }
 
@@ -196,7 +136,7 @@ int runUnattended(const Options &options, const ChipDescription &chip,
                   const std::optional<Tape> &replay)
 {
     if (!options.flightPathFile.isEmpty()) {
-        const QString unreadable = cannotOpen(options.flightPathFile);
+        const QString unreadable = cannotLoadFlightPath(options.flightPathFile);
         if (!unreadable.isEmpty()) {
             complain(unreadable);
             return exitCode::usage;
