@@ -1,6 +1,6 @@
 #include "ChipInfo.h"
 
-#include "ChipDescription_p.h"
+#include "ChipObjects_p.h"
 
 RegisterInfo ChipInfo::of(const XmlValueRegister *reg)
 {

@@ -1,6 +1,6 @@
 #include "ProductBuilder.h"
 
-#include "ChipDescription_p.h"
+#include "ChipObjects_p.h"
 
 namespace {
 

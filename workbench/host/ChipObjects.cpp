@@ -1,4 +1,4 @@
-#include "ChipDescription_p.h"
+#include "ChipObjects_p.h"
 
 XmlValueRegisterField::XmlValueRegisterField(std::unique_ptr<XmlValueRegisterFieldPrivate> state,
                                              QObject *parent)
