@@ -52,7 +52,7 @@ struct FaultLinkBench
 
     QString positions()
     {
-        workbench::PositionReply reply{leftByte, leftByte, leftAlone};
+        workbench::LinkReply reply{leftByte, leftByte, leftAlone};
         if (link.userFunction(&reply.a, &reply.b, workbench::bothPositionsFunction, 0, 0,
                               &reply.value))
             return QStringLiteral("%1,%2")

@@ -53,7 +53,7 @@ struct TapeMaker
         entry.kind = workbench::TapeEntry::UserFunction;
         entry.address = workbench::bothPositionsFunction;
         entry.b = 0x48;
-        const workbench::PositionReply reply = workbench::packPositions(x, y);
+        const workbench::LinkReply reply = workbench::packPositions(x, y);
         entry.replyA = reply.a;
         entry.replyB = reply.b;
         entry.reply = reply.value;
@@ -88,7 +88,7 @@ struct Player
 
     QString positions()
     {
-        workbench::PositionReply reply{1, 2, 3};
+        workbench::LinkReply reply{1, 2, 3};
         if (link.userFunction(&reply.a, &reply.b, workbench::bothPositionsFunction, 0, 0,
                               &reply.value))
             return QStringLiteral("%1,%2")

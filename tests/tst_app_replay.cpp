@@ -62,7 +62,7 @@ QSet<QString> positionsOn(const QString &tapeName)
     for (const TapeEntry &entry : tape.value_or(Tape()).entries) {
         if (entry.kind != TapeEntry::UserFunction || !entry.isAnswered)
             continue;
-        const PositionReply reply{entry.replyA, entry.replyB, entry.reply};
+        const LinkReply reply{entry.replyA, entry.replyB, entry.reply};
         positions.insert(text("%1,%2").arg(unpackPosition(reply, 0)).arg(unpackPosition(reply, 1)));
     }
     return positions;

@@ -28,7 +28,7 @@ QVector<Sample> positionsOn(const Tape &tape)
 {
     QVector<Sample> positions;
     for (const TapeEntry &entry : tape.entries) {
-        const PositionReply reply{entry.replyA, entry.replyB, entry.reply};
+        const LinkReply reply{entry.replyA, entry.replyB, entry.reply};
         if (entry.kind == TapeEntry::UserFunction && entry.isAnswered)
             positions.append({entry.askedNs, {unpackPosition(reply, 0), unpackPosition(reply, 1)}});
     }

@@ -102,9 +102,9 @@ void TestFaultChance::corruptFlipsOneBit()
     FaultLinkBench bench;
     QVERIFY(bench.on("corrupt:1"));
     quint64 flipped = 0;
-    const PositionReply right = packPositions(10, -20);
+    const LinkReply right = packPositions(10, -20);
     for (int i = 0; i < 2000; ++i) {
-        PositionReply reply;
+        LinkReply reply;
         QVERIFY(
             bench.link.userFunction(&reply.a, &reply.b, bothPositionsFunction, 0, 0, &reply.value));
         const quint64 wrong = quint64(reply.value ^ right.value) |

@@ -160,7 +160,7 @@ void TestSimulatedLink::positionsArePackedIntoSixBytes()
     QFETCH(int, a);
     QFETCH(int, b);
     QFETCH(unsigned int, value);
-    const PositionReply reply = packPositions(axis0, axis1);
+    const LinkReply reply = packPositions(axis0, axis1);
     QCOMPARE(int(reply.a), a);
     QCOMPARE(int(reply.b), b);
     QCOMPARE(reply.value, value);

@@ -75,7 +75,7 @@ QVector<QPointF> positionsOn(const Tape &tape)
 {
     QVector<QPointF> positions;
     for (const TapeEntry &entry : tape.entries) {
-        const PositionReply reply{entry.replyA, entry.replyB, entry.reply};
+        const LinkReply reply{entry.replyA, entry.replyB, entry.reply};
         if (entry.kind == TapeEntry::UserFunction)
             positions.append(QPointF(unpackPosition(reply, 0), unpackPosition(reply, 1)));
     }

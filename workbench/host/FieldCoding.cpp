@@ -1,5 +1,7 @@
 #include "FieldCoding.h"
 
+#include "SignExtension.h"
+
 #include <QtGlobal>
 
 #include <limits>
@@ -25,11 +27,9 @@ FieldCoding::Range FieldCoding::range(const FieldInfo &info)
 int FieldCoding::extract(const FieldInfo &info, int registerValue)
 {
     const quint32 bits = (static_cast<quint32>(registerValue) >> info.lowBit) & valueMask(info);
-    const quint32 signBit = quint32(1) << (info.width - 1);
-    qint64 value = bits;
-    if (info.isSigned && (bits & signBit) != 0)
-        value -= qint64(1) << info.width;
-    return static_cast<int>(qMin<qint64>(value, std::numeric_limits<int>::max()));
+    if (info.isSigned)
+        return signExtended(bits, info.width);
+    return static_cast<int>(qMin<qint64>(bits, std::numeric_limits<int>::max()));
 }
 
 int FieldCoding::insert(const FieldInfo &info, int registerValue, int fieldValue)

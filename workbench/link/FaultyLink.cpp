@@ -118,7 +118,7 @@ bool FaultyLink::happens(FaultKind kind)
 // What is called out of a request may switch faults and make requests, so nothing that is found in
 // `faults` is held on to across a call.
 
-std::optional<PositionReply> FaultyLink::carry(const Request &request)
+std::optional<LinkReply> FaultyLink::carry(const Request &request)
 {
     ++depth;
     countRequest(request);
@@ -129,13 +129,13 @@ std::optional<PositionReply> FaultyLink::carry(const Request &request)
     return reply;
 }
 
-std::optional<PositionReply> FaultyLink::passOn(const Request &request)
+std::optional<LinkReply> FaultyLink::passOn(const Request &request)
 {
     spin();
     if (request.kind == Request::Write && isOn(FaultKind::IgnoreWrites))
-        return PositionReply();
+        return LinkReply();
     const qint64 start = time.now();
-    PositionReply reply;
+    LinkReply reply;
     bool isAnswered = send(request, &reply);
     if (request.kind == Request::Write && isOn(FaultKind::DuplicateWrite))
         isAnswered = send(request, &reply);
@@ -147,7 +147,7 @@ std::optional<PositionReply> FaultyLink::passOn(const Request &request)
     return reply;
 }
 
-bool FaultyLink::send(const Request &request, PositionReply *reply)
+bool FaultyLink::send(const Request &request, LinkReply *reply)
 {
     switch (request.kind) {
     case Request::Write:

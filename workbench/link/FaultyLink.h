@@ -2,8 +2,8 @@
 
 #include "AxisAddresses.h"
 #include "Fault.h"
+#include "LinkReply.h"
 #include "ModuleLink.h"
-#include "PositionPacking.h"
 
 #include <QtGlobal>
 
@@ -95,9 +95,9 @@ private:
     double parameter(FaultKind kind) const;
     bool happens(FaultKind kind);
 
-    std::optional<PositionReply> carry(const Request &request);
-    std::optional<PositionReply> passOn(const Request &request);
-    bool send(const Request &request, PositionReply *reply);
+    std::optional<LinkReply> carry(const Request &request);
+    std::optional<LinkReply> passOn(const Request &request);
+    bool send(const Request &request, LinkReply *reply);
     void countRequest(const Request &request);
     void act();
     void actOnce(FaultKind kind, const std::function<void()> &action);
@@ -106,11 +106,11 @@ private:
     void spin();
     void waitLonger(qint64 tookNs);
     bool isReplyLost(const Request &request);
-    void spoil(const Request &request, PositionReply *reply);
-    void spoilValues(const Request &request, PositionReply *reply);
+    void spoil(const Request &request, LinkReply *reply);
+    void spoilValues(const Request &request, LinkReply *reply);
     int spoiltPosition(int axis, int position);
     int spoiltVelocity(int axis, int velocity);
-    void flipBit(const Request &request, PositionReply *reply);
+    void flipBit(const Request &request, LinkReply *reply);
 
     ModuleLink &next;
     Clock &time;
@@ -118,7 +118,7 @@ private:
     FaultActions actions;
     quint32 seed;
     std::map<FaultKind, Running> faults;
-    std::optional<PositionReply> previousReply;
+    std::optional<LinkReply> previousReply;
     int depth = 0; ///< requests under way
 };
 

@@ -1,5 +1,7 @@
-#include "Clock.h"
 #include "FaultyLink.h"
+
+#include "Clock.h"
+#include "PositionPacking.h"
 
 namespace workbench {
 
@@ -13,10 +15,10 @@ constexpr unsigned int byteBits = 8;
 
 } // namespace
 
-void FaultyLink::spoil(const Request &request, PositionReply *reply)
+void FaultyLink::spoil(const Request &request, LinkReply *reply)
 {
     spoilValues(request, reply);
-    const PositionReply fresh = *reply;
+    const LinkReply fresh = *reply;
     if (isOn(FaultKind::Stale) && previousReply)
         *reply = *previousReply;
     previousReply = fresh;
@@ -24,7 +26,7 @@ void FaultyLink::spoil(const Request &request, PositionReply *reply)
         flipBit(request, reply);
 }
 
-void FaultyLink::spoilValues(const Request &request, PositionReply *reply)
+void FaultyLink::spoilValues(const Request &request, LinkReply *reply)
 {
     if (request.kind == Request::User && request.address == bothPositionsFunction) {
         const int first = spoiltPosition(0, unpackPosition(*reply, 0));
@@ -81,7 +83,7 @@ int FaultyLink::spoiltVelocity(int axis, int velocity)
     return isZero ? 0 : velocity;
 }
 
-void FaultyLink::flipBit(const Request &request, PositionReply *reply)
+void FaultyLink::flipBit(const Request &request, LinkReply *reply)
 {
     const bool hasBytes = request.kind == Request::User;
     const unsigned int bits = hasBytes ? valueBits + 2 * byteBits : valueBits;

@@ -1,19 +1,22 @@
 #pragma once
 
+#include "LinkReply.h"
+
 namespace workbench {
 
 constexpr int axisCount = 2;
 
-/// The ends of an axis: signed 24-bit numbers.
+/// Positions are signed numbers of so many bits, in requests and replies.
+constexpr int positionBits = 24;
 constexpr int minimumPosition = -8388608;
 constexpr int maximumPosition = 8388607;
 
 /// The user function that asks for both positions.
 constexpr unsigned char bothPositionsFunction = 0xFD;
 
-/// The reply to the user function that asks for both positions: two bytes and a 32-bit value, which
-/// hold axis 0 and then axis 1 as six bytes, each axis as a 24-bit two's-complement number with the
-/// highest byte first.
+/// The reply to that function for two positions of minimumPosition to maximumPosition: its two
+/// bytes and its value hold axis 0 and then axis 1 as six bytes, each axis as a 24-bit
+/// two's-complement number with the highest byte first.
 ///
 /// | part of the reply       | holds                  |
 /// |-------------------------|------------------------|
@@ -24,17 +27,9 @@ constexpr unsigned char bothPositionsFunction = 0xFD;
 ///
 /// Example: axis 0 at 66051 (0x010203) and axis 1 at -2 (0xFFFFFE) make a = 0x01, b = 0x02 and
 /// value = 0x03FFFFFE.
-struct PositionReply
-{
-    unsigned char a = 0;
-    unsigned char b = 0;
-    unsigned int value = 0;
-};
-
-/// Packs two positions of minimumPosition to maximumPosition.
-PositionReply packPositions(int axis0, int axis1);
+LinkReply packPositions(int axis0, int axis1);
 
 /// The position of axis 0 or 1 in a reply.
-int unpackPosition(const PositionReply &reply, int axis);
+int unpackPosition(const LinkReply &reply, int axis);
 
 } // namespace workbench

@@ -40,7 +40,7 @@ bool SimulatedLink::userFunction(unsigned char *a, unsigned char *b, unsigned ch
     beginRequest();
     if (function != bothPositionsFunction)
         return false;
-    const PositionReply packed = packPositions(device.position(0), device.position(1));
+    const LinkReply packed = packPositions(device.position(0), device.position(1));
     *a = packed.a;
     *b = packed.b;
     *reply = packed.value;

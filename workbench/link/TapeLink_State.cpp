@@ -1,6 +1,8 @@
+#include "TapeLink.h"
+
 #include "Clock.h"
 #include "PositionPacking.h"
-#include "TapeLink.h"
+#include "SignExtension.h"
 
 #include <algorithm>
 
@@ -9,16 +11,14 @@ namespace workbench {
 namespace {
 
 /// Targets go out as the 24 bits that the chip keeps, positive or negative alike.
-int signExtended(int value)
+int targetOf(int value)
 {
-    constexpr int signBit = 0x800000;
-    constexpr int mask = 0xFFFFFF;
-    return ((value & mask) ^ signBit) - signBit;
+    return signExtended(static_cast<unsigned int>(value), positionBits);
 }
 
 QPoint positionsIn(const TapeEntry &entry)
 {
-    const PositionReply reply{entry.replyA, entry.replyB, entry.reply};
+    const LinkReply reply{entry.replyA, entry.replyB, entry.reply};
     return {unpackPosition(reply, 0), unpackPosition(reply, 1)};
 }
 
@@ -89,7 +89,7 @@ std::optional<int> TapeLink::target(int axis) const
 {
     const auto &address = known.target.at(static_cast<size_t>(axis));
     const auto raw = address ? value(*address) : std::nullopt;
-    return raw ? std::optional<int>(signExtended(*raw)) : std::nullopt;
+    return raw ? std::optional<int>(targetOf(*raw)) : std::nullopt;
 }
 
 /// The place of the positions that are told now, of which there must be some on the tape.
@@ -123,7 +123,7 @@ std::optional<int> TapeLink::targetWritten(int place, int axis) const
     if (place >= entries.size() || entries.at(place).kind != TapeEntry::Write ||
         entries.at(place).address != known.target.at(static_cast<size_t>(axis)))
         return std::nullopt;
-    return signExtended(entries.at(place).value);
+    return targetOf(entries.at(place).value);
 }
 
 /// Where the panel was told the position that the next two writes have as their targets, in the

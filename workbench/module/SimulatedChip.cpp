@@ -1,5 +1,7 @@
 #include "SimulatedChip.h"
 
+#include "SignExtension.h"
+
 #include <array>
 #include <utility>
 
@@ -51,12 +53,10 @@ int keptBits(const RegisterDescription &description, int value)
     unsigned int mask = 0;
     for (const FieldDescription &field : description.fields)
         mask |= fieldMask(field);
-    unsigned int bits = static_cast<unsigned int>(value) & mask;
+    const unsigned int bits = static_cast<unsigned int>(value) & mask;
     const FieldDescription &first = description.fields.first();
     const bool single = description.fields.size() == 1 && first.lowBit == 0;
-    if (single && first.isSigned && (bits >> (first.width - 1) & 1) != 0)
-        bits |= ~mask;
-    return static_cast<int>(bits);
+    return single && first.isSigned ? signExtended(bits, first.width) : static_cast<int>(bits);
 }
 
 } // namespace
