@@ -22,34 +22,23 @@ QString shortVersion(ToolsInterface *tool)
     return tool->version().section(QLatin1Char(';'), 0, 0);
 }
 
-/// `replay` filled from the tape, if there is one; the link that then answers requests.
-ModuleLink &answeringLink(const std::optional<Tape> &tape, std::optional<TapeLink> &replay,
-                          SimulatedModule &simulated)
-{
-    if (!tape)
-        return simulated.link();
-    return replay.emplace(*tape, simulated.clock(), simulated.chip().description().axisAddresses());
-}
-
 } // namespace
 
 Workbench::Workbench(const Options &options, const ChipDescription &chip,
                      const std::optional<Tape> &tape)
     : simulated(chip, clock)
-    , faulty(answeringLink(tape, replay, simulated), clock, chip.axisAddresses(), options.seed)
-    , recorder(faulty, clock)
-    , tap(recorder, clock)
-    , faultControl(faulty, simulated)
+    , links(simulated.link(), clock, chip.axisAddresses(), tape, options.seed)
+    , faultControl(links.faults(), simulated)
     , mainWindow(simulated, log)
 {
-    if (replay) {
+    if (TapeLink *const replay = links.replay()) {
         if (!options.isUnattended)
             replay->onDeviation = [this](const QString &text) { logDeviation(text); };
         mainWindow.showReplay(*replay, options.replayFile);
     }
     mainWindow.addFaults(faultControl);
     simulated.link().setRequestCostNs(options.linkCostNs);
-    simulated.hostModule().setLink(&tap);
+    simulated.hostModule().setLink(&links.front());
     loadTools(options.pluginsFolder);
     for (const Fault &fault : options.faults)
         faultControl.switchOn(fault);

@@ -2,14 +2,11 @@
 
 #include "CommandLine.h"
 #include "FaultControl.h"
-#include "FaultyLink.h"
+#include "LinkChain.h"
 #include "MainWindow.h"
 #include "MessageLog.h"
 #include "PluginLoader.h"
-#include "SampleTap.h"
 #include "SimulatedModule.h"
-#include "TapeLink.h"
-#include "TapeRecorder.h"
 
 namespace workbench {
 
@@ -25,10 +22,10 @@ public:
               const std::optional<Tape> &tape = std::nullopt);
 
     SimulatedModule &module() { return simulated; }
-    SampleTap &sampleTap() { return tap; }
+    SampleTap &sampleTap() { return links.tap(); }
     /// The tape that answers; null when the simulated chip does.
-    const TapeLink *tape() const { return replay ? &*replay : nullptr; }
-    TapeRecorder &tapeRecorder() { return recorder; }
+    const TapeLink *tape() const { return links.replay(); }
+    TapeRecorder &tapeRecorder() { return links.recorder(); }
     FaultControl &faults() { return faultControl; }
     MainWindow &window() { return mainWindow; }
 
@@ -46,10 +43,7 @@ private:
     MessageLog log;
     SteadyClock clock;
     SimulatedModule simulated;
-    std::optional<TapeLink> replay;
-    FaultyLink faulty; ///< in front of the tape or the simulated link
-    TapeRecorder recorder;
-    SampleTap tap;
+    LinkChain links;
     FaultControl faultControl;
     PluginLoader plugins;
     MainWindow mainWindow;

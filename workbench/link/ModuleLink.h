@@ -1,7 +1,8 @@
 #pragma once
 
 /// How a module of the stand-in host reaches its device. All requests block until they are answered
-/// or given up; a failed request returns false and leaves its results alone. GUI thread.
+/// or given up; a failed request returns false and leaves its results alone. LinkChain.h shows
+/// which links stand behind one another. GUI thread.
 class ModuleLink
 {
 public:
