@@ -43,6 +43,7 @@ private slots:
     void limitsStepByTheGrid();
     void tracesStepByThousand();
     void tracesStayWithinBounds();
+    void tracesBeingTypedTrimNothing();
     void numbersAreGroupedTheFrenchWay_data();
     void numbersAreGroupedTheFrenchWay();
     void clearButtonTogglesOnEveryClick();
@@ -117,6 +118,30 @@ void ToolPanelTest::tracesStayWithinBounds()
     QCOMPARE(traces->value(), 10);
     traces->setValue(INT_MAX);
     QCOMPARE(traces->value(), 100000);
+}
+
+/// 50000 is 5, 50, 500 and 5000 on its way.
+void ToolPanelTest::tracesBeingTypedTrimNothing()
+{
+    ToolBench bench;
+    bench.show();
+    bench.updateTick();
+    bench.call("on_pbStart_clicked");
+    auto *traces = bench.widget<QSpinBox>("spTraces");
+    for (int x = 1; x <= 60; ++x)
+        bench.sample(4 * x, 0);
+    bench.updateTick();
+    const int drawn = bench.trace()->count();
+    QVERIFY(drawn > 40);
+    traces->selectAll();
+    for (const char digit : {'5', '0', '0', '0', '0'}) {
+        QTest::keyClick(traces, digit);
+        bench.updateTick();
+        QCOMPARE(traces->value(), 5000);
+        QCOMPARE(bench.trace()->count(), drawn);
+    }
+    QTest::keyClick(traces, Qt::Key_Return);
+    QCOMPARE(traces->value(), 50000);
 }
 
 void ToolPanelTest::numbersAreGroupedTheFrenchWay_data()
