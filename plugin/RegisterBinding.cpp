@@ -143,15 +143,18 @@ void SynchronisedDriveTool::listRampRegisters()
 }
 
 /// The value and the motor of a write are not looked at: a ramp register written by anyone, for any
-/// motor, may have changed what the move depends on.
+/// motor, may have changed what the move depends on. The watch ends with the tool: the module
+/// lives on, and what is connected to it must not be code of a file that the host has unloaded.
 void SynchronisedDriveTool::watchWrites()
 {
     const QPointer<QObject> self(this);
-    connect(module(), &QVXLModuleInterface::registerOutputBufferHasWritten,
-            [self](unsigned short address) {
-                if (SynchronisedDriveTool *tool = complete(self))
-                    tool->registerWritten(address);
-            });
+    connect(
+        module(), &QVXLModuleInterface::registerOutputBufferHasWritten, this,
+        [self](unsigned short address) {
+            if (SynchronisedDriveTool *tool = complete(self))
+                tool->registerWritten(address);
+        },
+        Qt::DirectConnection);
 }
 
 void SynchronisedDriveTool::registerWritten(unsigned short address)

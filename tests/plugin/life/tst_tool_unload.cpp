@@ -2,6 +2,7 @@
 #include "ShippedChip.h"
 #include "SimulatedModule.h"
 #include "ToolsInterface.h"
+#include "XmlProductIC.h"
 
 #include <QAbstractEventDispatcher>
 #include <QPixmapCache>
@@ -24,6 +25,8 @@ constexpr int warmUpCount = 20;
 
 // The form of pointers that a tool leaves, 208 bytes, and what Qt keeps (some 500 bytes here).
 constexpr double mostBytesLeft = 1024;
+
+constexpr int lifeCount = 1000;
 
 #ifdef SANITIZED
 // The allocator of the address sanitizer counts differently and is slow.
@@ -111,7 +114,9 @@ private slots:
     void initTestCase();
     void moduleFileIsUnloaded();
     void cyclesLeaveNothingButTheForm();
-    void toolsOfOneModuleObjectLeaveNothingButTheirWatches();
+    void modulesWritesReachNoCodeThatIsUnloaded();
+    void connectionsEndWithTheirTools();
+    void toolsOfOneModuleObjectLeaveNothing();
 
 private:
     void cycle();
@@ -139,8 +144,7 @@ void ToolUnloadTest::useTool(ToolsInterface *tool, workbench::SteppedClock &cloc
     tool->hidePlugin();
 }
 
-/// Everything from loading the file to unloading it. Before that the host's module has to go, since
-/// what the tool connected to it is code of the file.
+/// Everything from loading the file to unloading it.
 void ToolUnloadTest::cycle()
 {
     QPluginLoader loader(QStringLiteral(TOOL_MODULE_FILE));
@@ -187,7 +191,62 @@ void ToolUnloadTest::cyclesLeaveNothingButTheForm()
     checkBytes(bytes, cycleCount);
 }
 
-void ToolUnloadTest::toolsOfOneModuleObjectLeaveNothingButTheirWatches()
+/// The module object outlives the file whose tools it served.
+void ToolUnloadTest::modulesWritesReachNoCodeThatIsUnloaded()
+{
+    workbench::SteppedClock clock;
+    workbench::SimulatedModule module(chip, clock);
+    HostModule &host = module.hostModule();
+    auto *const setting = host.getIcProduct(0)->getRegisterByName(QStringLiteral("M0_VMAX"), true);
+    QVERIFY(setting);
+    for (int i = 0; i < 3; ++i) {
+        QPluginLoader loader(QStringLiteral(TOOL_MODULE_FILE));
+        loader.setLoadHints(QLibrary::ResolveAllSymbolsHint);
+        auto *const prototype = qobject_cast<ToolsInterface *>(loader.instance());
+        QVERIFY2(prototype, qPrintable(loader.errorString()));
+        delete prototype->clone(QStringLiteral("tool"), 0, &host);
+        QVERIFY(loader.unload());
+        QVERIFY(!isMapped());
+        QSignalSpy written(&host, &QVXLModuleInterface::registerOutputBufferHasWritten);
+        QVERIFY(host.writeChannelRegister(setting, 0, 1000 + i));
+        QCOMPARE(written.size(), 1);
+    }
+}
+
+namespace {
+
+/// A module that tells who listens to its writes.
+class WatchedModule : public HostModule
+{
+public:
+    using HostModule::HostModule;
+    int listeners() const
+    {
+        return receivers(SIGNAL(registerOutputBufferHasWritten(ushort, int, int, uchar)));
+    }
+};
+
+} // namespace
+
+void ToolUnloadTest::connectionsEndWithTheirTools()
+{
+    workbench::SteppedClock clock;
+    workbench::SimulatedModule simulated(chip, clock);
+    WatchedModule module(QStringLiteral("watched"), QString(), simulated.hostModule().link());
+    module.setProduct(0, workbench::buildProduct(chip));
+    QPluginLoader loader(QStringLiteral(TOOL_MODULE_FILE));
+    auto *const prototype = qobject_cast<ToolsInterface *>(loader.instance());
+    QVERIFY2(prototype, qPrintable(loader.errorString()));
+    const int before = module.listeners();
+    for (int i = 0; i < lifeCount; ++i) {
+        const std::unique_ptr<ToolsInterface> tool(
+            prototype->clone(QStringLiteral("tool"), 0, &module));
+        QVERIFY(module.listeners() > before);
+    }
+    QCOMPARE(module.listeners(), before);
+}
+
+void ToolUnloadTest::toolsOfOneModuleObjectLeaveNothing()
 {
     constexpr int toolCount = 50;
     QPluginLoader loader(QStringLiteral(TOOL_MODULE_FILE));
