@@ -188,12 +188,13 @@ unsigned char SynchronisedDriveTool::motorByte()
 }
 
 /// The value of the chip's register of that name, 0 when it has none; of a read that fails,
-/// whatever the host makes of a 0. A chip that the module has exchanged is gone.
+/// whatever the host makes of a 0.
 int SynchronisedDriveTool::getRegisterValue(const QString &name)
 {
     int value = 0;
-    const bool hasChip = icProduct && module() && module()->getIcProduct(motorByte()) == icProduct;
-    XmlValueRegister *reg = hasChip ? icProduct->getRegisterByName(name, true) : nullptr;
+    // The chip is the module's, and goes with it.
+    XmlValueRegister *reg =
+        icProduct && module() ? icProduct->getRegisterByName(name, true) : nullptr;
     if (reg)
         readRegister(reg, motorByte(), &value);
     return value;

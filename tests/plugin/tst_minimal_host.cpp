@@ -26,6 +26,7 @@ private slots:
     void metaObjectListsSixteenPrivateSlots();
     void cloneWithoutModuleShowsAndHides();
     void cloneLooksItsRegistersUpInTheModulesChip();
+    void cloneAsksForItsChipOnce();
 
 private:
     ToolsInterface *prototype() { return qobject_cast<ToolsInterface *>(loader.instance()); }
@@ -132,6 +133,21 @@ void MinimalHostTest::cloneLooksItsRegistersUpInTheModulesChip()
     tool->showPlugin();
     tool->hidePlugin();
     QCOMPARE(tool->requestCount(), 1);
+}
+
+void MinimalHostTest::cloneAsksForItsChipOnce()
+{
+    QVXLModuleInterface module;
+    std::unique_ptr<ToolsInterface> tool = makeTool(0, &module);
+    for (int i = 0; i < 3; ++i) {
+        tool->showPlugin();
+        for (const char *slot : {"on_pbStart_clicked", "on_pbStop_clicked", "initExternTools"})
+            QVERIFY(QMetaObject::invokeMethod(tool.get(), slot));
+        emit module.registerOutputBufferHasWritten(0, 0, 0, 0);
+        tool->hidePlugin();
+    }
+    tool.reset();
+    QCOMPARE(module.chipRequestCount(), 1);
 }
 
 QTEST_MAIN(MinimalHostTest)

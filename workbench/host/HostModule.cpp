@@ -18,7 +18,9 @@ HostModule::~HostModule() = default;
 
 void HostModule::setProduct(unsigned char motor, std::shared_ptr<XmlProductIC> product)
 {
-    QVXLModuleInterfacePrivate::of(this)->products.insert(motor, std::move(product));
+    auto *const state = QVXLModuleInterfacePrivate::of(this);
+    state->everyProduct.append(product);
+    state->products.insert(motor, std::move(product));
 }
 
 void HostModule::setLink(ModuleLink *link)

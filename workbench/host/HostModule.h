@@ -20,7 +20,8 @@ public:
     ~HostModule() override;
 
     /// The chip that serves a motor. One chip may serve several motors: what is written to it for
-    /// one of them then holds for all. To be set before the first request.
+    /// one of them then holds for all. To be set before the first request. A chip lives as long as
+    /// the module, also when another one takes its place: tools go on with the one they were given.
     void setProduct(unsigned char motor, std::shared_ptr<XmlProductIC> product);
 
     void setLink(ModuleLink *link);

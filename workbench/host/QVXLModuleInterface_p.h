@@ -7,6 +7,7 @@
 
 #include <QHash>
 #include <QMap>
+#include <QVector>
 
 class ModuleLink;
 
@@ -38,6 +39,7 @@ public:
     ModuleLink *link = nullptr;
     CommandHandlerInterface handler;
     QMap<unsigned char, std::shared_ptr<XmlProductIC>> products;
+    QVector<std::shared_ptr<XmlProductIC>> everyProduct; ///< Those that were replaced, too.
 
 private:
     quint64 outputKey(const RegisterInfo &reg, unsigned char motor) const;

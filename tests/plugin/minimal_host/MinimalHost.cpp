@@ -67,6 +67,7 @@ QVXLModuleInterface::~QVXLModuleInterface() = default;
 
 XmlProductIC *QVXLModuleInterface::getIcProduct(unsigned char)
 {
+    ++m_chipRequests;
     return &m_chip;
 }
 

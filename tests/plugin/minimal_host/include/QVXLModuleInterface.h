@@ -16,6 +16,7 @@ public:
     ~QVXLModuleInterface() override;
 
     XmlProductIC *getIcProduct(unsigned char motor);
+    int chipRequestCount() const { return m_chipRequests; }
     bool readChannelRegister(XmlValueRegister *reg, unsigned char motor, int *value);
     bool writeChannelRegister(XmlValueRegister *reg, unsigned char motor, int value);
     bool writeAndReadChannelField(XmlValueRegisterField *field, unsigned char motor, int value,
@@ -27,4 +28,5 @@ signals:
 
 private:
     XmlProductIC m_chip;
+    int m_chipRequests = 0;
 };
