@@ -26,7 +26,8 @@ int wrappedDifference(int a, int b)
     return static_cast<int>(static_cast<unsigned int>(a) - static_cast<unsigned int>(b));
 }
 
-/// `offset`, where the pointer is at or past the outer edge and still moves away from the plot.
+/// How far the pointer moved, where it is at or past the outer edge and still moves away from the
+/// plot; otherwise 0.
 int outwardOffset(int pointer, int before, double outerLow, double outerHigh)
 {
     const bool heldBack =

@@ -35,8 +35,8 @@ double bounded(double limit)
     return qBound(-bound, limit, bound);
 }
 
-/// The range of coordinates, which grows point by point. The upper end starts just above zero, so a
-/// path of negative coordinates still shows the origin: meant so.
+/// The range of coordinates, which grows point by point. The upper end starts just above zero, not
+/// at the lowest double, so that a path of negative coordinates still shows the origin: leave it.
 struct Range
 {
     double min = std::numeric_limits<double>::max();

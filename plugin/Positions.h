@@ -45,7 +45,7 @@ bool isOnGrid(int limit);
 int snappedLowerLimit(int limit);
 
 /// The grid value for an upper limit that is off the grid: the next one above a positive limit, but
-/// one step further than that for a negative one. -10 becomes 256: meant so.
+/// one step further than that for a negative one. -10 becomes 256 and not 0: leave it so.
 int snappedUpperLimit(int limit);
 
 } // namespace drive
