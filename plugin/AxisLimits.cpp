@@ -9,18 +9,15 @@
 
 namespace {
 
-// Setting a snapped value runs the same handler again, then with a value on the grid. A host that
-// follows the axes may delete the tool.
+// Setting a snapped value runs the same handler again, then with a value on the grid.
 
 void lowerLimitChanged(int limit, QSpinBox *lower, QSpinBox *upper, QtCharts::QValueAxis *axis)
 {
     if (!drive::isOnGrid(limit)) {
         lower->setValue(drive::snappedLowerLimit(limit));
     } else {
-        const QPointer<QSpinBox> guard(upper);
         axis->setMin(limit);
-        if (guard)
-            upper->setMinimum(drive::saturatedSum(limit, drive::minimumSpan));
+        upper->setMinimum(drive::saturatedSum(limit, drive::minimumSpan));
     }
 }
 
@@ -29,10 +26,8 @@ void upperLimitChanged(int limit, QSpinBox *lower, QSpinBox *upper, QtCharts::QV
     if (!drive::isOnGrid(limit)) {
         upper->setValue(drive::snappedUpperLimit(limit));
     } else {
-        const QPointer<QSpinBox> guard(lower);
         axis->setMax(limit);
-        if (guard)
-            lower->setMaximum(drive::saturatedSum(limit, -drive::minimumSpan));
+        lower->setMaximum(drive::saturatedSum(limit, -drive::minimumSpan));
     }
 }
 

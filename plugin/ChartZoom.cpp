@@ -39,31 +39,24 @@ int shifted(int limit, qint64 by)
 } // namespace
 
 // The spin boxes and the axes are two views of one state. A range set by a zoom goes into the spin
-// boxes, whose own handlers may move it further, and comes back as whole numbers. A host that
-// follows any of these may delete the tool.
+// boxes, whose own handlers may move it further, and comes back as whole numbers.
 
 void SynchronisedDriveTool::rangeChangedX(double min, double max)
 {
-    const QPointer<SynchronisedDriveTool> self(this);
     const TraceRangeChange change(traceSeries);
     redrawTrace([min, max](const QPointF &point) { return min <= point.x() && point.x() <= max; });
     ui->spM0max->setValue(drive::truncated(max));
-    if (self)
-        ui->spM0min->setValue(drive::truncated(min));
-    if (self)
-        axisX->setRange(ui->spM0min->value(), ui->spM0max->value());
+    ui->spM0min->setValue(drive::truncated(min));
+    axisX->setRange(ui->spM0min->value(), ui->spM0max->value());
 }
 
 void SynchronisedDriveTool::rangeChangedY(double min, double max)
 {
-    const QPointer<SynchronisedDriveTool> self(this);
     const TraceRangeChange change(traceSeries);
     redrawTrace([min, max](const QPointF &point) { return min <= point.y() && point.y() <= max; });
     ui->spM1max->setValue(drive::truncated(max));
-    if (self)
-        ui->spM1min->setValue(drive::truncated(min));
-    if (self)
-        axisY->setRange(ui->spM1min->value(), ui->spM1max->value());
+    ui->spM1min->setValue(drive::truncated(min));
+    axisY->setRange(ui->spM1min->value(), ui->spM1max->value());
 }
 
 /// Draws the history anew, thinned for the present scale, without the points outside the range that
@@ -90,7 +83,7 @@ void SynchronisedDriveTool::redrawTrace(const Accepts &isInRange)
 }
 
 /// Zooms with Ctrl alone held. The position is the panel's and is used as the chart's as it stands;
-/// no turn at all counts as zooming in: both meant so.
+/// no turn at all counts as zooming in. Neither is to be mended: the host's users know both.
 void SynchronisedDriveTool::wheelEvent(QWheelEvent *ev)
 {
     if (!isComplete() || QGuiApplication::keyboardModifiers() != Qt::ControlModifier)
@@ -110,7 +103,6 @@ void SynchronisedDriveTool::zoom()
 {
     if (!isComplete())
         return;
-    const QPointer<SynchronisedDriveTool> self(this);
     const TraceRangeChange change(traceSeries);
     const QObject *button = sender();
     const QVariant wheelAt = button ? button->property(drive::property::ZoomPoint) : QVariant();
@@ -119,8 +111,6 @@ void SynchronisedDriveTool::zoom()
         chart->zoomOut();
     else if (button == ui->btnZoomIn)
         chart->zoomIn();
-    if (!self)
-        return;
 
     QPoint reference = before;
     QPoint centre = drive::rounded(chart->mapToValue(wheelAt.toPointF()));
@@ -136,22 +126,17 @@ void SynchronisedDriveTool::zoom()
 /// enough not to jitter.
 void SynchronisedDriveTool::shiftView(qint64 dx, qint64 dy)
 {
-    const QPointer<SynchronisedDriveTool> self(this);
-    const auto shift = [&self](QSpinBox *limit, int from, qint64 by) {
-        if (self)
-            limit->setValue(shifted(from, by));
-    };
     const int m0max = ui->spM0max->value();
     const int m1min = ui->spM1min->value();
     const int m0min = ui->spM0min->value();
     const int m1max = ui->spM1max->value();
     if (qAbs(dx) > drive::zoomShiftThreshold) {
-        shift(ui->spM0max, m0max, dx);
-        shift(ui->spM0min, m0min, dx);
+        ui->spM0max->setValue(shifted(m0max, dx));
+        ui->spM0min->setValue(shifted(m0min, dx));
     }
     if (qAbs(dy) > drive::zoomShiftThreshold) {
-        shift(ui->spM1max, m1max, dy);
-        shift(ui->spM1min, m1min, dy);
+        ui->spM1max->setValue(shifted(m1max, dy));
+        ui->spM1min->setValue(shifted(m1min, dy));
     }
 }
 
@@ -160,8 +145,6 @@ void SynchronisedDriveTool::on_btnClearTraces_clicked()
 {
     if (!isComplete())
         return;
-    const QPointer<SynchronisedDriveTool> self(this);
     trace()->setPoints({actual()});
-    if (self)
-        tracePoints = {actual()};
+    tracePoints = {actual()};
 }

@@ -62,11 +62,9 @@ void SynchronisedDriveTool::runFlightPath(const QAction *action)
     logAction(action->text());
     if (flightPath.isEmpty())
         initFlightPath();
-    const QPointer<SynchronisedDriveTool> self(this);
     ui->pbStart->setProperty(drive::property::RunFlightPath, 0);
     setTargetPosition(flightPath.constFirst(), QPoint(0, 0));
-    if (self)
-        ui->pbStart->click();
+    ui->pbStart->click();
 }
 
 void SynchronisedDriveTool::editFlightPath(const QAction *action)

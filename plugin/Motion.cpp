@@ -1,15 +1,18 @@
-#include "SynchronisedDriveTool.h"
-
+#include "ModuleRequests.h"
 #include "Positions.h"
 #include "ToolConstants.h"
 #include "ui_SynchronisedDriveTool.h"
 
+#include "XmlRegisterWidget.h"
 #include "XmlValueRegister.h"
 
 #include <QtCharts/QScatterSeries>
 #include <QtCharts/QValueAxis>
 
 namespace {
+
+/// Stops in a row for starts that come in the middle of them: a host may press start without end.
+constexpr int mostStops = 3;
 
 QPointF lastPoint(const QtCharts::QXYSeries *series)
 {
@@ -40,12 +43,8 @@ void SynchronisedDriveTool::setTargetPosition(QPointF point, QPoint outer)
 {
     if (!isComplete())
         return;
-    const QPointer<SynchronisedDriveTool> self(this);
     if (drive::isFinite(point) && !drive::samePoint(point, target())) {
         targetSeries->replace(0, point);
-        // A host that follows the chart or the limits may have deleted the tool.
-        if (!self)
-            return;
         targetSeries->setProperty(drive::property::NewTarget, true);
     }
     pushLimits(outer);
@@ -54,7 +53,6 @@ void SynchronisedDriveTool::setTargetPosition(QPointF point, QPoint outer)
 /// Widens the axes by one tick in each direction in which `outer` is not zero.
 void SynchronisedDriveTool::pushLimits(QPoint outer)
 {
-    const QPointer<SynchronisedDriveTool> self(this);
     const auto push = [](QSpinBox *limit, double step) {
         limit->setValue(drive::truncated(limit->value() + step));
     };
@@ -62,8 +60,6 @@ void SynchronisedDriveTool::pushLimits(QPoint outer)
         push(ui->spM0max, tickStep(axisX));
     else if (outer.x() < 0)
         push(ui->spM0min, -tickStep(axisX));
-    if (!self)
-        return;
     if (outer.y() < 0)
         push(ui->spM1max, tickStep(axisY));
     else if (outer.y() > 0)
@@ -74,70 +70,68 @@ void SynchronisedDriveTool::on_pbStart_clicked()
 {
     if (!isComplete())
         return;
+    ++begun.starts;
     updateTimer.start(drive::movingUpdatePeriodMs, Qt::PreciseTimer, this);
 
-    const QPointer<SynchronisedDriveTool> self(this);
-    ui->pbStop->setProperty(drive::property::StopPressed, false);
-    int m0Vmax = 0;
-    int m1Vmax = 0;
-    if (!readRegister(m0VmaxRegister, motorByte(), &m0Vmax) ||
-        !readRegister(m1VmaxRegister, motorByte(), &m1Vmax))
-        return;
-    loadTargets();
-    if (!self || !writeRegister(m0VmaxRegister, m0Vmax) || !writeRegister(m1VmaxRegister, m1Vmax))
+    ModuleRequests chip(this);
+    const int m0Vmax = chip.read(&Tool::m0VmaxRegister);
+    const int m1Vmax = chip.read(&Tool::m1VmaxRegister);
+    chip.obeyStop(true);
+    chip.write(&Tool::m0VmaxRegister, 0);
+    chip.write(&Tool::m1VmaxRegister, 0);
+    chip.write(&Tool::rampModeRegister, drive::rampModePositioning);
+    // Axis 1's target goes out before the change of the mode and again behind it. Keep both.
+    chip.writeField(&Tool::m1XtargetWidget, chip.target().y());
+    chip.write(&Tool::rampModeRegister, drive::rampModeSynchronised);
+    chip.writeField(&Tool::m0XtargetWidget, chip.target().x());
+    chip.writeField(&Tool::m1XtargetWidget, chip.target().y());
+    chip.obeyStop(false);
+    chip.write(&Tool::m0VmaxRegister, m0Vmax);
+    chip.write(&Tool::m1VmaxRegister, m1Vmax);
+    if (chip.isToolGone())
         return;
 
     ui->pbStart->setEnabled(false);
-    if (!self)
-        return;
     pendingSamples = {actual()};
     sampleTimer.start(drive::samplePeriodMs, Qt::PreciseTimer, this);
-    // The request that the stop was pressed in the middle of has reached the module behind the
-    // stop's own.
-    if (isStopPressed())
+    // The request in whose middle stop was pressed reached the module behind the stop's own.
+    if (chip.isStopped())
         on_pbStop_clicked();
 }
 
-/// Loads both targets while both axes are held at velocity 0; no further than a stop that is
-/// pressed while the module is asked.
-void SynchronisedDriveTool::loadTargets()
-{
-    const QPointer<SynchronisedDriveTool> self(this);
-    const auto goesOn = [&self] { return self && !self->isStopPressed(); };
-    // Axis 1's target goes out on both sides of the mode change: meant so.
-    static_cast<void>(goesOn() && writeRegister(m0VmaxRegister, 0) && goesOn() &&
-                      writeRegister(m1VmaxRegister, 0) && goesOn() &&
-                      writeRegister(rampModeRegister, drive::rampModePositioning) && goesOn() &&
-                      writeField(m1XtargetWidget, target().y()) && goesOn() &&
-                      writeRegister(rampModeRegister, drive::rampModeSynchronised) && goesOn() &&
-                      writeField(m0XtargetWidget, target().x()) && goesOn() &&
-                      writeField(m1XtargetWidget, target().y()));
-}
-
-/// Since the start button was pressed last.
-bool SynchronisedDriveTool::isStopPressed() const
-{
-    return ui->pbStop->property(drive::property::StopPressed).toBool();
-}
-
-/// Halts the axes by driving both to where they are. The polling cycle finds the end of the move.
+/// Halts the axes by driving both to where they were drawn last. The polling cycle finds the end of
+/// the move. A start pressed in the middle has written between the stop's own requests, so that the
+/// stop is carried out again.
 void SynchronisedDriveTool::on_pbStop_clicked()
 {
     if (!isComplete())
         return;
     const QPointer<SynchronisedDriveTool> self(this);
-    ui->pbStop->setProperty(drive::property::StopPressed, true);
-    ui->pbStop->setProperty(drive::property::Stopping, true);
+    for (int i = 0; i < mostStops; ++i) {
+        const unsigned int starts = begun.starts;
+        stop();
+        if (!self || begun.starts == starts)
+            return;
+    }
+}
+
+void SynchronisedDriveTool::stop()
+{
+    ++begun.stops;
+    endFlightPath();
+    ModuleRequests chip(this);
     const QPointF here = actual();
     setTargetPosition(here, QPoint(0, 0));
-    if (self && writeField(m0XtargetWidget, here.x()) && writeField(m1XtargetWidget, here.y()))
-        writeRegister(rampModeRegister, drive::rampModePositioning);
-    if (!self)
-        return;
+    chip.writeField(&Tool::m0XtargetWidget, here.x());
+    chip.writeField(&Tool::m1XtargetWidget, here.y());
+    chip.write(&Tool::rampModeRegister, drive::rampModePositioning);
+    if (!chip.isToolGone())
+        endFlightPath();
+}
+
+/// Both at a stop's head, so that no end of a leg that is found in the middle of it drives on, and
+/// at its end, for a path that was begun in the middle of it.
+void SynchronisedDriveTool::endFlightPath()
+{
     ui->pbStart->setProperty(drive::property::RunFlightPath, flightPath.size());
-    ui->pbStop->setProperty(drive::property::Stopping, false);
-    // A start that was pressed meanwhile is stopped as well: it has written between the stop's own
-    // requests.
-    if (!isStopPressed())
-        on_pbStop_clicked();
 }

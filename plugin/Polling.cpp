@@ -1,12 +1,10 @@
-#include "SynchronisedDriveTool.h"
-
+#include "ModuleRequests.h"
 #include "Positions.h"
 #include "ToolConstants.h"
 #include "TraceSeries.h"
 #include "TraceThinning.h"
 #include "ui_SynchronisedDriveTool.h"
 
-#include "CommandHandlerInterface.h"
 #include "XmlRegisterWidget.h"
 #include "XmlValueRegister.h"
 
@@ -25,12 +23,6 @@ constexpr unsigned char readPositionsRequest[] = {0x00, 0x48, 0x00, 0x00};
 
 /// Not 0, so that a velocity that could not be read does not end a move.
 constexpr int unknownVelocity = 1;
-
-/// A coordinate as register widgets take it: negative ones as 64-bit two's complement.
-unsigned long long widgetValue(double coordinate)
-{
-    return static_cast<unsigned long long>(drive::truncated64(coordinate));
-}
 
 void setSignalsBlocked(const QPointer<XmlRegisterWidget> &widget, bool block)
 {
@@ -53,11 +45,9 @@ void keepBetween(double position, QSpinBox *lower, QSpinBox *upper, int tickCoun
     const int low = lower->value();
     const int high = upper->value();
     const int step = (high - low) / (tickCount - 1);
-    // A host that follows the limits may delete the tool.
-    const QPointer<QSpinBox> guard(upper);
     if (low > position)
         lower->setValue(drive::truncated(position - step));
-    if (guard && position > high)
+    if (position > high)
         upper->setValue(drive::truncated(position + step));
 }
 
@@ -80,20 +70,14 @@ void SynchronisedDriveTool::sampleTick(bool isMoving)
 {
     if (!module())
         return;
-    const QPointer<SynchronisedDriveTool> self(this);
+    ModuleRequests chip(this);
     drive::PositionReply reply{readPositionsRequest[2], readPositionsRequest[1],
                                readPositionsRequest[0], 0};
-    if (CommandHandlerInterface *handler = commandHandler())
-        handler->setCircularMode(true);
-    if (!self)
-        return;
+    chip.setCircularMode(true);
     reply.value = static_cast<unsigned int>(
-        userFunction(&reply.high, &reply.middle, readPositionsFunction, 0));
-    if (!self)
-        return;
-    if (CommandHandlerInterface *handler = commandHandler())
-        handler->setCircularMode(false);
-    if (!self)
+        chip.userFunction(&reply.high, &reply.middle, readPositionsFunction));
+    chip.setCircularMode(false);
+    if (chip.isToolGone())
         return;
 
     const QPointF position = drive::decodePositions(reply);
@@ -116,59 +100,50 @@ void SynchronisedDriveTool::updateTick()
 {
     const QPointer<SynchronisedDriveTool> self(this);
     const TraceChange change(trace());
-    if (!writeNewTarget())
+    ++begun.updateTicks;
+    writeNewTarget();
+    if (!self)
         return;
-    const bool isMoving = !ui->pbStart->isEnabledTo(this);
     if (pendingSamples.size() > 1)
         drawSamples();
-    else if (isMoving)
+    else if (!ui->pbStart->isEnabledTo(this))
         checkEndOfMove();
     if (self)
         trimTrace();
 }
 
-/// False when the tool is gone.
-bool SynchronisedDriveTool::writeNewTarget()
+void SynchronisedDriveTool::writeNewTarget()
 {
     if (!targetSeries->property(drive::property::NewTarget).toBool())
-        return true;
-    const QPointer<SynchronisedDriveTool> self(this);
+        return;
+    ModuleRequests chip(this);
     const QPointF written = target();
     setSignalsBlocked(m0XtargetWidget, true);
     setSignalsBlocked(m1XtargetWidget, true);
-    if (m0XtargetWidget)
-        m0XtargetWidget->setAndUpdateValue(widgetValue(written.x()));
-    const auto isCurrent = [&] { return self && drive::samePoint(self->target(), written); };
-    if (isCurrent() && m1XtargetWidget)
-        m1XtargetWidget->setAndUpdateValue(widgetValue(written.y()));
-    if (!self)
-        return false;
+    chip.setAndUpdate(&Tool::m0XtargetWidget, chip.target().x());
+    chip.setAndUpdate(&Tool::m1XtargetWidget, chip.target().y());
+    if (chip.isToolGone())
+        return;
     setSignalsBlocked(m0XtargetWidget, false);
     setSignalsBlocked(m1XtargetWidget, false);
     // A target picked while the host waited for the module goes out with the next tick.
-    if (isCurrent())
+    if (drive::samePoint(target(), written))
         targetSeries->setProperty(drive::property::NewTarget, false);
-    return true;
 }
 
 /// Draws what was sampled since the last time.
 void SynchronisedDriveTool::drawSamples()
 {
-    const QPointer<SynchronisedDriveTool> self(this);
     const QPointF newest = pendingSamples.constLast();
     pendingSamples.removeFirst();
     appendToTrace(pendingSamples);
     actualSeries->replace(0, newest);
-    // A host that follows the chart may have deleted the tool.
-    if (!self)
-        return;
     pendingSamples = {actual()};
 
-    if (m0XactualWidget)
-        m0XactualWidget->setAndUpdateValue(widgetValue(newest.x()));
-    if (self && m1XactualWidget)
-        m1XactualWidget->setAndUpdateValue(widgetValue(newest.y()));
-    if (self)
+    ModuleRequests chip(this);
+    chip.setAndUpdate(&Tool::m0XactualWidget, newest.x());
+    chip.setAndUpdate(&Tool::m1XactualWidget, newest.y());
+    if (!chip.isToolGone())
         keepInView(newest);
 }
 
@@ -193,56 +168,45 @@ QPoint SynchronisedDriveTool::tracePixel(const QPointF &point) const
     return drive::rounded(chart->mapToPosition(point, traceSeries));
 }
 
-/// The step is a whole number here, unlike where a drag pushes the limits; meant so.
+/// The step is a whole number here, and a fraction where a drag pushes the limits: not to be made
+/// alike.
 void SynchronisedDriveTool::keepInView(const QPointF &point)
 {
-    const QPointer<SynchronisedDriveTool> self(this);
     keepBetween(point.x(), ui->spM0min, ui->spM0max, axisX->tickCount());
-    if (self)
-        keepBetween(point.y(), ui->spM1min, ui->spM1max, axisY->tickCount());
+    keepBetween(point.y(), ui->spM1min, ui->spM1max, axisY->tickCount());
 }
 
-/// A move has ended when nothing new was sampled since the last tick and both axes stand still.
+/// A move has ended when nothing new was sampled since the last tick and both axes stand still. A
+/// tool without a chip has no velocities to wait for.
 void SynchronisedDriveTool::checkEndOfMove()
 {
-    const uint check = ui->pbStart->property(drive::property::EndCheck).toUInt() + 1;
-    ui->pbStart->setProperty(drive::property::EndCheck, check);
-    int m0Velocity = unknownVelocity;
-    int m1Velocity = unknownVelocity;
-    // Motor 0, whichever motor the tool serves: meant so.
-    if (!readRegister(m0VactualRegister, 0, &m0Velocity) ||
-        !readRegister(m1VactualRegister, 0, &m1Velocity))
-        return;
-    // A host that handles events while it waits may have let a later look find the end, or have
-    // hidden the tool, which then finds the end when it is shown again.
-    if (ui->pbStart->property(drive::property::EndCheck).toUInt() != check ||
-        !updateTimer.isActive())
+    const int preset = icProduct ? unknownVelocity : 0;
+    ModuleRequests chip(this);
+    // Motor 0, whichever motor the tool serves: not to be replaced by the tool's own.
+    const int m0Velocity = chip.readForMotor(0, &Tool::m0VactualRegister, preset);
+    const int m1Velocity = chip.readForMotor(0, &Tool::m1VactualRegister, preset);
+    // What came in the middle has made the velocities old; a later tick looks again.
+    if (chip.isOvertaken())
         return;
     // While the host has the whole tool disabled a flight path could not go on, so nothing ends.
     const bool hasEnded = m0Velocity == 0 && m1Velocity == 0 && isEnabled();
-    const QPointer<SynchronisedDriveTool> self(this);
     ui->pbStart->setEnabled(hasEnded);
-    if (!self || !hasEnded)
+    if (!hasEnded)
         return;
     sampleTimer.stop();
     updateTimer.start(drive::idleUpdatePeriodMs, Qt::PreciseTimer, this);
     runNextFlightPathPoint();
 }
 
-/// A stop that is still being carried out ends the flight path.
 void SynchronisedDriveTool::runNextFlightPathPoint()
 {
-    if (ui->pbStop->property(drive::property::Stopping).toBool())
-        return;
     const int current = ui->pbStart->property(drive::property::RunFlightPath).toInt();
     const int next = drive::saturatedSum(current, 1);
     if (next < 0 || next >= flightPath.size())
         return;
     ui->pbStart->setProperty(drive::property::RunFlightPath, next);
-    const QPointer<SynchronisedDriveTool> self(this);
     setTargetPosition(flightPath.at(next), QPoint(0, 0));
-    if (self)
-        ui->pbStart->click();
+    ui->pbStart->click();
 }
 
 void SynchronisedDriveTool::trimTrace()

@@ -31,11 +31,10 @@ XmlValueRegister *registerBehind(XmlRegisterWidget *widget)
     return field ? field->getRegister() : nullptr;
 }
 
-/// The tool, unless it is gone or being destroyed: while its children die a guard still holds it,
-/// but what it holds is no longer of this class.
-SynchronisedDriveTool *complete(const QPointer<QObject> &tool)
+/// The tool, unless it is being destroyed: while its children die it is no longer of this class.
+SynchronisedDriveTool *complete(QObject *tool)
 {
-    return qobject_cast<SynchronisedDriveTool *>(tool.data());
+    return qobject_cast<SynchronisedDriveTool *>(tool);
 }
 
 } // namespace
@@ -82,7 +81,7 @@ void SynchronisedDriveTool::bindFields(XmlRegisterWidgetContainer *container)
     if (m1XactualWidget)
         m1XactualWidget->setInputWidgetReadOnly(true);
 
-    const QPointer<QObject> self(this);
+    QObject *const self = this;
     const auto followTarget = [self](XmlRegisterWidget *widget, int axis) {
         connect(widget, &XmlRegisterWidget::valueChanged, [self, axis](int value) {
             if (SynchronisedDriveTool *tool = complete(self))
@@ -147,9 +146,9 @@ void SynchronisedDriveTool::listRampRegisters()
 /// lives on, and what is connected to it must not be code of a file that the host has unloaded.
 void SynchronisedDriveTool::watchWrites()
 {
-    const QPointer<QObject> self(this);
+    QObject *const self = this;
     connect(
-        module(), &QVXLModuleInterface::registerOutputBufferHasWritten, this,
+        module(), &QVXLModuleInterface::registerOutputBufferHasWritten, self,
         [self](unsigned short address) {
             if (SynchronisedDriveTool *tool = complete(self))
                 tool->registerWritten(address);
@@ -172,10 +171,7 @@ void SynchronisedDriveTool::targetWidgetChanged(int axis, int value)
     if (targetSeries) {
         QPointF point = target();
         (axis == 0 ? point.rx() : point.ry()) = value;
-        const QPointer<SynchronisedDriveTool> self(this);
         targetSeries->replace(0, point);
-        if (!self)
-            return;
     }
     const QPointer<XmlRegisterWidget> &widget = axis == 0 ? m0XtargetWidget : m1XtargetWidget;
     if (widget)
@@ -188,7 +184,7 @@ unsigned char SynchronisedDriveTool::motorByte()
 }
 
 /// The value of the chip's register of that name, 0 when it has none; of a read that fails,
-/// whatever the host makes of a 0.
+/// whatever the host makes of a 0. Behind the read the tool may be gone.
 int SynchronisedDriveTool::getRegisterValue(const QString &name)
 {
     int value = 0;
@@ -196,34 +192,6 @@ int SynchronisedDriveTool::getRegisterValue(const QString &name)
     XmlValueRegister *reg =
         icProduct && module() ? icProduct->getRegisterByName(name, true) : nullptr;
     if (reg)
-        readRegister(reg, motorByte(), &value);
+        module()->readChannelRegister(reg, motorByte(), &value);
     return value;
-}
-
-// A request blocks, and a host may handle events meanwhile, the tool's deletion among them.
-
-bool SynchronisedDriveTool::readRegister(XmlValueRegister *reg, unsigned char motor, int *value)
-{
-    const QPointer<SynchronisedDriveTool> self(this);
-    if (QVXLModuleInterface *connected = module())
-        connected->readChannelRegister(reg, motor, value);
-    return self;
-}
-
-bool SynchronisedDriveTool::writeRegister(XmlValueRegister *reg, int value)
-{
-    const QPointer<SynchronisedDriveTool> self(this);
-    if (QVXLModuleInterface *connected = module())
-        connected->writeChannelRegister(reg, motorByte(), value);
-    return self;
-}
-
-bool SynchronisedDriveTool::writeField(const QPointer<XmlRegisterWidget> &widget, double value)
-{
-    const QPointer<SynchronisedDriveTool> self(this);
-    if (QVXLModuleInterface *connected = module()) {
-        XmlValueRegisterField *field = widget ? widget->registerField() : nullptr;
-        connected->writeAndReadChannelField(field, motorByte(), drive::truncated(value), nullptr);
-    }
-    return self;
 }

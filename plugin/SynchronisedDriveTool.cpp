@@ -62,25 +62,28 @@ void SynchronisedDriveTool::showPlugin()
     if (!isComplete())
         return;
     const QPointer<SynchronisedDriveTool> self(this);
-    chartView->setProperty(drive::property::Showing, true);
+    const unsigned int hides = begun.hides;
     timerEvent(nullptr);
     if (self)
         initExternTools();
     if (self)
         setRampLink();
     // A host that handles events while it waits for the module may have hidden the tool again.
-    if (!self || !chartView->property(drive::property::Showing).toBool())
-        return;
-    chartView->setProperty(drive::property::Showing, QVariant());
-    updateTimer.start(drive::idleUpdatePeriodMs, Qt::PreciseTimer, this);
+    if (self && begun.hides == hides)
+        updateTimer.start(drive::idleUpdatePeriodMs, Qt::PreciseTimer, this);
 }
 
 void SynchronisedDriveTool::hidePlugin()
 {
     // A move that runs goes on being sampled, and is drawn when the tool is shown again.
+    ++begun.hides;
     updateTimer.stop();
-    if (chartView && chartView->property(drive::property::Showing).isValid())
-        chartView->setProperty(drive::property::Showing, QVariant());
+}
+
+bool SynchronisedDriveTool::Begun::operator!=(const Begun &other) const
+{
+    return starts != other.starts || stops != other.stops || updateTicks != other.updateTicks ||
+           hides != other.hides;
 }
 
 /// A prototype never is, and a tool not before it has its series: what the host calls then would

@@ -29,6 +29,11 @@ class QValueAxis;
 ///
 /// An object is either the prototype, which has no panel and only makes working tools, or a working
 /// tool, complete from its construction and idle until the host shows it.
+///
+/// A host may delete a working tool from its event loop, and wherever the tool hands control to it:
+/// in a request to the module, a device-tree operation, a dialog. When start and stop are pressed
+/// inside each other's requests, stop wins: a start that was pressed in the middle of a stop is
+/// stopped again.
 class SynchronisedDriveTool : public ToolsInterface
 {
     Q_OBJECT
@@ -67,6 +72,23 @@ private slots:
     void on_btnShowPosition_clicked();
 
 private:
+    using Tool = SynchronisedDriveTool;
+    class ModuleRequests;
+
+    /// How often each of these was begun. A host may handle events while it waits for the module:
+    /// from this an operation knows what came in the middle of it.
+    struct Begun
+    {
+        unsigned int starts = 0;
+        unsigned int stops = 0;
+        unsigned int updateTicks = 0;
+        unsigned int hides = 0;
+        unsigned int rampChecks = 0; ///< Since the one under way; 0 when there is none.
+
+        /// But for ramp checks, which change nothing.
+        bool operator!=(const Begun &other) const;
+    };
+
     bool isComplete() const;
 
     // Set-up, in the constructor's order, and what its steps are made of.
@@ -94,23 +116,17 @@ private:
     void watchWrites();
     void registerWritten(unsigned short address);
 
-    // The module. A request tells whether the tool is still there behind it, and nothing of how it
-    // went, which is not looked at.
     unsigned char motorByte();
     int getRegisterValue(const QString &name);
-    bool readRegister(XmlValueRegister *reg, unsigned char motor, int *value);
-    bool writeRegister(XmlValueRegister *reg, int value);
-    bool writeField(const QPointer<XmlRegisterWidget> &widget, double value);
-    void loadTargets();
-    bool isStopPressed() const;
 
     // Sibling tools and the ramp check.
     void linkSibling(ToolsInterface *sibling, const QString &key);
     void setRampLink();
-    bool listZeroSettings(QStringList &m0Zeros, QStringList &m1Zeros);
     void markRampLink(const QStringList &m0Zeros, const QStringList &m1Zeros);
-    bool listZeroVelocity(XmlValueRegister *reg, const QString &name, QStringList &zeros);
-    bool listZeroRampSettings(const QString &prefix, QStringList &zeros);
+
+    // Motion.
+    void stop();
+    void endFlightPath();
 
     // Target, drawing and view.
     QPointF target() const;
@@ -123,7 +139,7 @@ private:
     // The polling cycle.
     void sampleTick(bool isMoving);
     void updateTick();
-    bool writeNewTarget();
+    void writeNewTarget();
     void drawSamples();
     void appendToTrace(const QVector<QPointF> &points);
     void keepInView(const QPointF &point);
@@ -166,4 +182,5 @@ private:
     QVector<QPointF> pendingSamples;
     QVector<QPointF> tracePoints;
     QVector<QPointF> flightPath;
+    Begun begun;
 };

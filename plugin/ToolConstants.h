@@ -10,18 +10,6 @@ namespace property {
 constexpr const char *NewTarget = "NewPt";
 /// On the start button, int: index of the flight-path point being driven to.
 constexpr const char *RunFlightPath = "RunFp";
-/// On the start button, unsigned: which look for the end of a move is the latest.
-constexpr const char *EndCheck = "EndCheck";
-/// On the stop button, bool: pressed since the start button was.
-constexpr const char *StopPressed = "StopPressed";
-/// On the stop button, bool: a stop is being carried out.
-constexpr const char *Stopping = "Stopping";
-/// On the chart view, bool: the host is showing the tool, and has not hidden it meanwhile. Absent
-/// when it is doing neither.
-constexpr const char *Showing = "Showing";
-/// On the position mode's button while the ramp settings are being read, bool: they have changed
-/// meanwhile. Absent otherwise.
-constexpr const char *RampCheck = "RampCheck";
 /// On a zoom button while a wheel turn clicks it, QPoint: where the wheel was turned.
 constexpr const char *ZoomPoint = "ZoomPt";
 /// On the register browser's button, list of unsigned: the addresses of all bound registers.

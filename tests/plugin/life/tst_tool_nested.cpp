@@ -69,6 +69,7 @@ private slots:
     void writesWithoutEndDoNotKeepTheCheckFromEnding();
     void manyWritesWithinACheckMakeOneMore();
     void checkWorksAgainAfterNestedOnes();
+    void startsWithoutEndDoNotKeepAStopFromEnding();
     void anotherChipIsNotFollowed();
     void moduleThatGoesFirstIsNotUsed();
     void callsWhileTheToolIsBeingMadeAreSurvived_data();
@@ -189,6 +190,28 @@ void ToolNestedTest::stopHasTheLastWordOnAStartWithinIt()
                                                          QStringLiteral("write M1_XTARGET m0 0"),
                                                          QStringLiteral("write RAMPMODE m0 0")}));
     QCOMPARE(bench.target()->at(0), QPointF(0, 0));
+}
+
+/// Each of the stop's requests has a start in its middle; the stop has the last word all the same.
+void ToolNestedTest::startsWithoutEndDoNotKeepAStopFromEnding()
+{
+    PollBench bench;
+    bench.makeWide();
+    bool isStarting = false;
+    bench.link.onRequest = [&] {
+        if (isStarting)
+            return;
+        isStarting = true;
+        bench.setTarget({4000, 4000});
+        bench.call("on_pbStart_clicked");
+        isStarting = false;
+    };
+    bench.call("on_pbStop_clicked");
+    bench.link.onRequest = nullptr;
+    const QStringList writes = bench.takeWrites();
+    QCOMPARE(writes.filter(QStringLiteral("RAMPMODE m0 768")).size(), 3 * 3);
+    QCOMPARE(bench.registerValue(QStringLiteral("RAMPMODE")), 0);
+    QCOMPARE(bench.flightIndex(), 12);
 }
 
 void ToolNestedTest::stopDrivesToOnePointWhateverIsDrawnMeanwhile()

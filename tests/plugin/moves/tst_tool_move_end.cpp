@@ -28,6 +28,9 @@ private slots:
     void aFailedReadNeverEndsAMove();
     void aMissingVelocityNeverEndsAMove_data();
     void aMissingVelocityNeverEndsAMove();
+    void aMoveWithoutAChipEndsAtTheNextTick_data();
+    void aMoveWithoutAChipEndsAtTheNextTick();
+    void aPathWithoutAChipRunsThrough();
     void anIdleToolReadsNoVelocities();
     void aFlightPathRunsToItsEnd();
     void stopEndsARun();
@@ -152,6 +155,50 @@ void ToolMoveEndTest::aMissingVelocityNeverEndsAMove()
         QCOMPARE(bench->takeCalls().size(), 1);
         QVERIFY(!bench->startButton()->isEnabled());
     }
+}
+
+void ToolMoveEndTest::aMoveWithoutAChipEndsAtTheNextTick_data()
+{
+    QTest::addColumn<bool>("hasModule");
+    QTest::newRow("no chip") << true;
+    QTest::newRow("no module") << false;
+}
+
+/// There is no velocity to wait for.
+void ToolMoveEndTest::aMoveWithoutAChipEndsAtTheNextTick()
+{
+    QFETCH(bool, hasModule);
+    BenchGaps gaps;
+    gaps.hasChip = false;
+    gaps.hasModule = hasModule;
+    PollBench bench(0, gaps);
+    bench.setTarget({30, 40});
+    bench.start();
+    if (hasModule) {
+        // A module without a chip answers all the same, and what it answers is drawn first.
+        bench.sample(5, 6);
+        bench.updateTick();
+        QVERIFY(!bench.startButton()->isEnabled());
+    }
+    bench.takeCalls();
+    bench.updateTick();
+    QCOMPARE(bench.takeCalls(), QStringList());
+    QVERIFY(bench.startButton()->isEnabled());
+    QCOMPARE(bench.timerIntervals(), QList<int>{100});
+}
+
+void ToolMoveEndTest::aPathWithoutAChipRunsThrough()
+{
+    BenchGaps gaps;
+    gaps.hasModule = false;
+    PollBench bench(0, gaps);
+    bench.runAction()->trigger();
+    for (int i = 0; i < 12; ++i) {
+        QCOMPARE(bench.flightIndex(), i);
+        bench.updateTick();
+    }
+    QVERIFY(bench.startButton()->isEnabled());
+    QCOMPARE(bench.flightIndex(), 11);
 }
 
 void ToolMoveEndTest::anIdleToolReadsNoVelocities()
