@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # What run, check and .ci/run have in common: the packages, and a preset's configuration and build.
 # Sourced by bash; `root` is the folder of the sources. Needs CMake 3.22 or newer for the presets;
 # Debian 12 has 3.25.
