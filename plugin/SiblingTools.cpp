@@ -56,7 +56,7 @@ void SynchronisedDriveTool::initExternTools()
 
 void SynchronisedDriveTool::linkSibling(ToolsInterface *sibling, const QString &key)
 {
-    const unsigned char motor = static_cast<unsigned char>(sibling->motorNumber() & 0xFF);
+    const auto motor = static_cast<unsigned char>(sibling->motorNumber() & 0xFF);
     const QString name = sibling->toolsName(false);
     qCDebug(debLowLevel) << "void SynchronisedDriveTool::initExternTools()" << int(motor) << name
                          << sibling->parentWidget() << key;
