@@ -7,60 +7,60 @@
 
 #include <QtCharts/QValueAxis>
 
-namespace {
+SynchronisedDriveTool::Limits SynchronisedDriveTool::horizontal() const
+{
+    return isComplete() ? Limits{ui->spM0min, ui->spM0max, axisX} : Limits{};
+}
+
+SynchronisedDriveTool::Limits SynchronisedDriveTool::vertical() const
+{
+    return isComplete() ? Limits{ui->spM1min, ui->spM1max, axisY} : Limits{};
+}
 
 // Setting a snapped value runs the same handler again, then with a value on the grid.
 
-void lowerLimitChanged(int limit, QSpinBox *lower, QSpinBox *upper, QtCharts::QValueAxis *axis)
+void SynchronisedDriveTool::lowerLimitChanged(const Limits &limits, int value)
 {
-    if (!drive::isOnGrid(limit)) {
-        lower->setValue(drive::snappedLowerLimit(limit));
+    if (!limits.axis)
+        return;
+    const TraceRangeChange change(traceSeries);
+    if (!drive::isOnGrid(value)) {
+        limits.lower->setValue(drive::snappedLowerLimit(value));
     } else {
-        axis->setMin(limit);
-        upper->setMinimum(drive::saturatedSum(limit, drive::minimumSpan));
+        limits.axis->setMin(value);
+        limits.upper->setMinimum(drive::saturatedSum(value, drive::minimumSpan));
     }
 }
 
-void upperLimitChanged(int limit, QSpinBox *lower, QSpinBox *upper, QtCharts::QValueAxis *axis)
+void SynchronisedDriveTool::upperLimitChanged(const Limits &limits, int value)
 {
-    if (!drive::isOnGrid(limit)) {
-        upper->setValue(drive::snappedUpperLimit(limit));
+    if (!limits.axis)
+        return;
+    const TraceRangeChange change(traceSeries);
+    if (!drive::isOnGrid(value)) {
+        limits.upper->setValue(drive::snappedUpperLimit(value));
     } else {
-        axis->setMax(limit);
-        lower->setMaximum(drive::saturatedSum(limit, -drive::minimumSpan));
+        limits.axis->setMax(value);
+        limits.lower->setMaximum(drive::saturatedSum(value, -drive::minimumSpan));
     }
 }
-
-} // namespace
 
 void SynchronisedDriveTool::on_spM0min_valueChanged(int arg1)
 {
-    if (!isComplete())
-        return;
-    const TraceRangeChange change(traceSeries);
-    lowerLimitChanged(arg1, ui->spM0min, ui->spM0max, axisX);
+    lowerLimitChanged(horizontal(), arg1);
 }
 
 void SynchronisedDriveTool::on_spM0max_valueChanged(int arg1)
 {
-    if (!isComplete())
-        return;
-    const TraceRangeChange change(traceSeries);
-    upperLimitChanged(arg1, ui->spM0min, ui->spM0max, axisX);
+    upperLimitChanged(horizontal(), arg1);
 }
 
 void SynchronisedDriveTool::on_spM1min_valueChanged(int arg1)
 {
-    if (!isComplete())
-        return;
-    const TraceRangeChange change(traceSeries);
-    lowerLimitChanged(arg1, ui->spM1min, ui->spM1max, axisY);
+    lowerLimitChanged(vertical(), arg1);
 }
 
 void SynchronisedDriveTool::on_spM1max_valueChanged(int arg1)
 {
-    if (!isComplete())
-        return;
-    const TraceRangeChange change(traceSeries);
-    upperLimitChanged(arg1, ui->spM1min, ui->spM1max, axisY);
+    upperLimitChanged(vertical(), arg1);
 }

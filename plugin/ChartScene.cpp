@@ -124,12 +124,14 @@ void SynchronisedDriveTool::initActualSeries()
 
 void SynchronisedDriveTool::connectRangeHandlers()
 {
-    connect(
-        axisX, &QtCharts::QValueAxis::rangeChanged, axisX,
-        [this](qreal min, qreal max) { rangeChangedX(min, max); }, Qt::DirectConnection);
-    connect(
-        axisY, &QtCharts::QValueAxis::rangeChanged, axisY,
-        [this](qreal min, qreal max) { rangeChangedY(min, max); }, Qt::DirectConnection);
+    const auto follow = [this](QtCharts::QValueAxis *axis, const Limits &limits, Coordinate of) {
+        connect(
+            axis, &QtCharts::QValueAxis::rangeChanged, axis,
+            [this, limits, of](qreal min, qreal max) { rangeChanged(limits, of, min, max); },
+            Qt::DirectConnection);
+    };
+    follow(axisX, horizontal(), &QPointF::x);
+    follow(axisY, vertical(), &QPointF::y);
 }
 
 /// The trace as what it is.

@@ -31,32 +31,20 @@ WheelTurn turnOf(const QWheelEvent *event)
 }
 QT_WARNING_POP
 
-int shifted(int limit, qint64 by)
-{
-    return drive::truncated(static_cast<double>(limit + by));
-}
-
 } // namespace
 
-// The spin boxes and the axes are two views of one state. A range set by a zoom goes into the spin
-// boxes, whose own handlers may move it further, and comes back as whole numbers.
-
-void SynchronisedDriveTool::rangeChangedX(double min, double max)
+/// A range set by a zoom goes into the spin boxes, whose own handlers may move it further, and
+/// comes back as whole numbers.
+void SynchronisedDriveTool::rangeChanged(const Limits &limits, Coordinate of, double min,
+                                         double max)
 {
     const TraceRangeChange change(traceSeries);
-    redrawTrace([min, max](const QPointF &point) { return min <= point.x() && point.x() <= max; });
-    ui->spM0max->setValue(drive::truncated(max));
-    ui->spM0min->setValue(drive::truncated(min));
-    axisX->setRange(ui->spM0min->value(), ui->spM0max->value());
-}
-
-void SynchronisedDriveTool::rangeChangedY(double min, double max)
-{
-    const TraceRangeChange change(traceSeries);
-    redrawTrace([min, max](const QPointF &point) { return min <= point.y() && point.y() <= max; });
-    ui->spM1max->setValue(drive::truncated(max));
-    ui->spM1min->setValue(drive::truncated(min));
-    axisY->setRange(ui->spM1min->value(), ui->spM1max->value());
+    redrawTrace([min, max, of](const QPointF &point) {
+        return min <= (point.*of)() && (point.*of)() <= max;
+    });
+    limits.upper->setValue(drive::truncated(max));
+    limits.lower->setValue(drive::truncated(min));
+    limits.axis->setRange(limits.lower->value(), limits.upper->value());
 }
 
 /// Draws the history anew, thinned for the present scale, without the points outside the range that
@@ -119,25 +107,20 @@ void SynchronisedDriveTool::zoom()
         centre = {(ui->spM0max->value() + ui->spM0min->value()) / 2,
                   (ui->spM1min->value() + ui->spM1max->value()) / 2};
     }
-    shiftView(qint64(reference.x()) - centre.x(), qint64(reference.y()) - centre.y());
+    shiftLimits(horizontal(), qint64(reference.x()) - centre.x());
+    shiftLimits(vertical(), qint64(reference.y()) - centre.y());
 }
 
-/// Moves the limits, all as they are now, by position units; along each axis only when it is by
-/// enough not to jitter.
-void SynchronisedDriveTool::shiftView(qint64 dx, qint64 dy)
+/// By position units; only when it is by enough not to jitter.
+void SynchronisedDriveTool::shiftLimits(const Limits &limits, qint64 by)
 {
-    const int m0max = ui->spM0max->value();
-    const int m1min = ui->spM1min->value();
-    const int m0min = ui->spM0min->value();
-    const int m1max = ui->spM1max->value();
-    if (qAbs(dx) > drive::zoomShiftThreshold) {
-        ui->spM0max->setValue(shifted(m0max, dx));
-        ui->spM0min->setValue(shifted(m0min, dx));
-    }
-    if (qAbs(dy) > drive::zoomShiftThreshold) {
-        ui->spM1max->setValue(shifted(m1max, dy));
-        ui->spM1min->setValue(shifted(m1min, dy));
-    }
+    if (qAbs(by) <= drive::zoomShiftThreshold)
+        return;
+    const auto shifted = [by](int limit) { return drive::truncated(double(limit + by)); };
+    // Both are read before the first one moves the other's bound.
+    const int lower = limits.lower->value();
+    limits.upper->setValue(shifted(limits.upper->value()));
+    limits.lower->setValue(shifted(lower));
 }
 
 /// The button is a toggle on purpose; each click clears.

@@ -1,47 +1,86 @@
 #pragma once
 
+#include "Positions.h"
 #include "SynchronisedDriveTool.h"
+
+#include "CommandHandlerInterface.h"
+#include "QVXLModuleInterface.h"
+#include "XmlRegisterWidget.h"
+#include "XmlValueRegister.h"
 
 /// The requests of one operation of the tool, from its head to its end. A host may handle events
 /// while it waits for the module, so behind any request the tool may be gone, or have been started,
 /// stopped or hidden. Once the tool is gone nothing is asked any more: an operation reads as its
 /// steps, and asks at its end what came in the middle of it.
+///
+/// A register or row that is gone goes to the host as null. How a request went is not looked at.
 class SynchronisedDriveTool::ModuleRequests
 {
 public:
     using Register = QPointer<XmlValueRegister> Tool::*;
-    using Widget = QPointer<XmlRegisterWidget> Tool::*;
+    using Row = QPointer<XmlRegisterWidget> Tool::*;
 
-    explicit ModuleRequests(Tool *asking);
+    ModuleRequests(Tool *asking, unsigned char forMotor)
+        : tool(asking)
+        , before(asking->begun)
+        , motor(forMotor)
+    {
+    }
 
-    bool isToolGone() const { return tool.isNull(); }
-    /// True when stop was pressed since the first request.
+    bool isToolGone() const { return !tool; }
+    /// Stop was pressed since the operation's head.
     bool isStopped() const { return tool && tool->begun.stops != before.stops; }
-    /// True when the tool is gone, or anything was begun since the first request.
+    /// The tool is gone, or something else was begun since the operation's head.
     bool isOvertaken() const { return !tool || tool->begun != before; }
     /// While on, nothing is written once stop was pressed.
     void obeyStop(bool on) { obeysStop = on; }
 
-    // A binding that is gone goes to the host as null. How a request went is not looked at: what
-    // could not be read is 0, or what it was preset to.
-    int read(Register reg);
-    int readForMotor(unsigned char motor, Register reg, int preset);
-    int read(const QString &registerName);
-    void write(Register reg, int value);
-    void writeField(Widget widget, double coordinate);
-    void setAndUpdate(Widget widget, double coordinate);
-    void setCircularMode(bool on);
-    int userFunction(unsigned char *a, unsigned char *b, unsigned char function);
+    /// `preset` when the register could not be read.
+    int read(Register reg, int preset = 0)
+    {
+        if (module())
+            module()->readChannelRegister((tool->*reg).data(), motor, &preset);
+        return preset;
+    }
+    int read(const QString &name) { return tool ? tool->getRegisterValue(name) : 0; }
+    void write(Register reg, int value)
+    {
+        if (mayWrite())
+            module()->writeChannelRegister((tool->*reg).data(), motor, value);
+    }
+    void writeField(Row row, double position)
+    {
+        if (!mayWrite())
+            return;
+        XmlRegisterWidget *widget = tool->*row;
+        module()->writeAndReadChannelField(widget ? widget->registerField() : nullptr, motor,
+                                           drive::truncated(position), nullptr);
+    }
+    /// A negative position goes to the row as 64-bit two's complement.
+    void setAndUpdate(Row row, double position)
+    {
+        if (tool && tool->*row)
+            (tool->*row)->setAndUpdateValue(quint64(drive::truncated64(position)));
+    }
+    void setCircularMode(bool on)
+    {
+        if (CommandHandlerInterface *handler = tool ? tool->commandHandler() : nullptr)
+            handler->setCircularMode(on);
+    }
+    int userFunction(unsigned char *a, unsigned char *b, unsigned char function)
+    {
+        return tool ? tool->userFunction(a, b, function, 0) : 0;
+    }
 
     /// The tool's target as it is now.
     QPointF target() const { return tool ? tool->target() : QPointF(); }
 
 private:
-    /// Null when the tool is gone or has none.
     QVXLModuleInterface *module() const { return tool ? tool->module() : nullptr; }
     bool mayWrite() const { return module() && !(obeysStop && isStopped()); }
 
     const QPointer<Tool> tool;
     const Begun before;
+    const unsigned char motor;
     bool obeysStop = false;
 };

@@ -3,9 +3,6 @@
 #include "ToolConstants.h"
 #include "ui_SynchronisedDriveTool.h"
 
-#include "XmlRegisterWidget.h"
-#include "XmlValueRegister.h"
-
 #include <QtCharts/QScatterSeries>
 #include <QtCharts/QValueAxis>
 
@@ -73,7 +70,7 @@ void SynchronisedDriveTool::on_pbStart_clicked()
     ++begun.starts;
     updateTimer.start(drive::movingUpdatePeriodMs, Qt::PreciseTimer, this);
 
-    ModuleRequests chip(this);
+    ModuleRequests chip(this, motorByte());
     const int m0Vmax = chip.read(&Tool::m0VmaxRegister);
     const int m1Vmax = chip.read(&Tool::m1VmaxRegister);
     chip.obeyStop(true);
@@ -119,7 +116,7 @@ void SynchronisedDriveTool::stop()
 {
     ++begun.stops;
     endFlightPath();
-    ModuleRequests chip(this);
+    ModuleRequests chip(this, motorByte());
     const QPointF here = actual();
     setTargetPosition(here, QPoint(0, 0));
     chip.writeField(&Tool::m0XtargetWidget, here.x());

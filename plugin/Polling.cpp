@@ -5,9 +5,6 @@
 #include "TraceThinning.h"
 #include "ui_SynchronisedDriveTool.h"
 
-#include "XmlRegisterWidget.h"
-#include "XmlValueRegister.h"
-
 #include <QTimerEvent>
 #include <QtCharts/QChart>
 #include <QtCharts/QLineSeries>
@@ -39,18 +36,6 @@ void keepNewest(QVector<QPointF> &points, int kept)
         points.remove(kept, surplus);
 }
 
-/// Moves a limit, where the position has passed it, to one tick beyond the position.
-void keepBetween(double position, QSpinBox *lower, QSpinBox *upper, int tickCount)
-{
-    const int low = lower->value();
-    const int high = upper->value();
-    const int step = (high - low) / (tickCount - 1);
-    if (low > position)
-        lower->setValue(drive::truncated(position - step));
-    if (position > high)
-        upper->setValue(drive::truncated(position + step));
-}
-
 } // namespace
 
 /// Without an event: one sample at once, for a tool that is being shown.
@@ -70,7 +55,7 @@ void SynchronisedDriveTool::sampleTick(bool isMoving)
 {
     if (!module())
         return;
-    ModuleRequests chip(this);
+    ModuleRequests chip(this, motorByte());
     drive::PositionReply reply{readPositionsRequest[2], readPositionsRequest[1],
                                readPositionsRequest[0], 0};
     chip.setCircularMode(true);
@@ -116,7 +101,7 @@ void SynchronisedDriveTool::writeNewTarget()
 {
     if (!targetSeries->property(drive::property::NewTarget).toBool())
         return;
-    ModuleRequests chip(this);
+    ModuleRequests chip(this, motorByte());
     const QPointF written = target();
     setSignalsBlocked(m0XtargetWidget, true);
     setSignalsBlocked(m1XtargetWidget, true);
@@ -140,11 +125,13 @@ void SynchronisedDriveTool::drawSamples()
     actualSeries->replace(0, newest);
     pendingSamples = {actual()};
 
-    ModuleRequests chip(this);
+    ModuleRequests chip(this, motorByte());
     chip.setAndUpdate(&Tool::m0XactualWidget, newest.x());
     chip.setAndUpdate(&Tool::m1XactualWidget, newest.y());
-    if (!chip.isToolGone())
-        keepInView(newest);
+    if (chip.isToolGone())
+        return;
+    keepInView(horizontal(), newest.x());
+    keepInView(vertical(), newest.y());
 }
 
 void SynchronisedDriveTool::appendToTrace(const QVector<QPointF> &points)
@@ -168,12 +155,17 @@ QPoint SynchronisedDriveTool::tracePixel(const QPointF &point) const
     return drive::rounded(chart->mapToPosition(point, traceSeries));
 }
 
-/// The step is a whole number here, and a fraction where a drag pushes the limits: not to be made
-/// alike.
-void SynchronisedDriveTool::keepInView(const QPointF &point)
+/// Moves a limit that the position has passed to one tick beyond the position. The step is a whole
+/// number here, and a fraction where a drag pushes the limits: not to be made alike.
+void SynchronisedDriveTool::keepInView(const Limits &limits, double position)
 {
-    keepBetween(point.x(), ui->spM0min, ui->spM0max, axisX->tickCount());
-    keepBetween(point.y(), ui->spM1min, ui->spM1max, axisY->tickCount());
+    const int low = limits.lower->value();
+    const int high = limits.upper->value();
+    const int step = (high - low) / (limits.axis->tickCount() - 1);
+    if (low > position)
+        limits.lower->setValue(drive::truncated(position - step));
+    if (position > high)
+        limits.upper->setValue(drive::truncated(position + step));
 }
 
 /// A move has ended when nothing new was sampled since the last tick and both axes stand still. A
@@ -181,10 +173,10 @@ void SynchronisedDriveTool::keepInView(const QPointF &point)
 void SynchronisedDriveTool::checkEndOfMove()
 {
     const int preset = icProduct ? unknownVelocity : 0;
-    ModuleRequests chip(this);
     // Motor 0, whichever motor the tool serves: not to be replaced by the tool's own.
-    const int m0Velocity = chip.readForMotor(0, &Tool::m0VactualRegister, preset);
-    const int m1Velocity = chip.readForMotor(0, &Tool::m1VactualRegister, preset);
+    ModuleRequests chip(this, 0);
+    const int m0Velocity = chip.read(&Tool::m0VactualRegister, preset);
+    const int m1Velocity = chip.read(&Tool::m1VactualRegister, preset);
     // What came in the middle has made the velocities old; a later tick looks again.
     if (chip.isOvertaken())
         return;

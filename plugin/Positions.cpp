@@ -31,12 +31,6 @@ bool sameCoordinate(double a, double b)
     return difference * equalityScale <= qMin(qAbs(a), qAbs(b));
 }
 
-int saturated(long long value)
-{
-    return static_cast<int>(std::clamp<long long>(value, std::numeric_limits<int>::min(),
-                                                  std::numeric_limits<int>::max()));
-}
-
 } // namespace
 
 QPointF decodePositions(const PositionReply &reply)
@@ -60,31 +54,22 @@ bool isFinite(const QPointF &point)
 
 int truncated(double value)
 {
-    return saturated(truncated64(value));
+    using Int = std::numeric_limits<int>;
+    return qIsNaN(value) ? 0 : static_cast<int>(qBound<double>(Int::min(), value, Int::max()));
 }
 
 long long truncated64(double value)
 {
     // 2^63 is exact as a double, the type's maximum is not.
     constexpr double bound = 9223372036854775808.0;
-    if (qIsNaN(value))
-        return 0;
     if (value >= bound)
         return std::numeric_limits<long long>::max();
-    if (value < -bound)
-        return std::numeric_limits<long long>::min();
-    return static_cast<long long>(value);
+    return qIsNaN(value) ? 0 : static_cast<long long>(qMax(value, -bound));
 }
 
 int rounded(double value)
 {
-    if (qIsNaN(value))
-        return 0;
-    if (value >= std::numeric_limits<int>::max())
-        return std::numeric_limits<int>::max();
-    if (value <= std::numeric_limits<int>::min())
-        return std::numeric_limits<int>::min();
-    return saturated(static_cast<long long>(std::floor(value + 0.5)));
+    return truncated(std::floor(value + 0.5));
 }
 
 QPoint rounded(const QPointF &point)
@@ -94,7 +79,7 @@ QPoint rounded(const QPointF &point)
 
 int saturatedSum(int a, int b)
 {
-    return saturated(static_cast<long long>(a) + b);
+    return truncated(double(a) + b);
 }
 
 bool isOnGrid(int limit)

@@ -2,8 +2,6 @@
 #include "ToolConstants.h"
 #include "ui_SynchronisedDriveTool.h"
 
-#include "XmlValueRegister.h"
-
 namespace {
 
 /// Enough for settings that change while they are read; a host may report writes without end.
@@ -44,7 +42,7 @@ void SynchronisedDriveTool::setRampLink()
 {
     if (++begun.rampChecks > 1)
         return;
-    ModuleRequests chip(this);
+    ModuleRequests chip(this, motorByte());
     const auto read = [&chip](const QString &name) { return chip.read(name); };
     QStringList m0Zeros;
     QStringList m1Zeros;

@@ -74,38 +74,30 @@ void SynchronisedDriveTool::bindRegisters(QList<QVariant> &addresses)
 
 void SynchronisedDriveTool::bindFields(XmlRegisterWidgetContainer *container)
 {
-    m0XactualWidget = addFieldWidget(container, QStringLiteral("M0_XACTUAL"));
-    if (m0XactualWidget)
-        m0XactualWidget->setInputWidgetReadOnly(true);
-    m1XactualWidget = addFieldWidget(container, QStringLiteral("M1_XACTUAL"));
-    if (m1XactualWidget)
-        m1XactualWidget->setInputWidgetReadOnly(true);
-
-    QObject *const self = this;
-    const auto followTarget = [self](XmlRegisterWidget *widget, int axis) {
-        connect(widget, &XmlRegisterWidget::valueChanged, [self, axis](int value) {
-            if (SynchronisedDriveTool *tool = complete(self))
-                tool->targetWidgetChanged(axis, value);
-        });
+    const auto addRow = [&](QPointer<XmlRegisterWidget> &row, const QString &identifier) {
+        XmlValueRegisterField *field =
+            icProduct->getRegisterFieldByIdentifier(identifier, false, true);
+        if (!field)
+            return false;
+        row = new XmlRegisterWidget(field, this);
+        container->addXmlWidget(row);
+        return true;
     };
-    m0XtargetWidget = addFieldWidget(container, QStringLiteral("M0_XTARGET"));
-    if (m0XtargetWidget)
-        followTarget(m0XtargetWidget, 0);
-    m1XtargetWidget = addFieldWidget(container, QStringLiteral("M1_XTARGET"));
-    if (m1XtargetWidget)
-        followTarget(m1XtargetWidget, 1);
-}
-
-/// The editor for a field, added to the container; null when the chip lacks the field.
-XmlRegisterWidget *SynchronisedDriveTool::addFieldWidget(XmlRegisterWidgetContainer *container,
-                                                         const QString &identifier)
-{
-    XmlValueRegisterField *field = icProduct->getRegisterFieldByIdentifier(identifier, false, true);
-    if (!field)
-        return nullptr;
-    auto *widget = new XmlRegisterWidget(field, this);
-    container->addXmlWidget(widget);
-    return widget;
+    const auto follow = [this](XmlRegisterWidget *row, int axis) {
+        connect(row, &XmlRegisterWidget::valueChanged,
+                [self = static_cast<QObject *>(this), axis](int value) {
+                    if (Tool *tool = complete(self))
+                        tool->targetWidgetChanged(axis, value);
+                });
+    };
+    if (addRow(m0XactualWidget, QStringLiteral("M0_XACTUAL")))
+        m0XactualWidget->setInputWidgetReadOnly(true);
+    if (addRow(m1XactualWidget, QStringLiteral("M1_XACTUAL")))
+        m1XactualWidget->setInputWidgetReadOnly(true);
+    if (addRow(m0XtargetWidget, QStringLiteral("M0_XTARGET")))
+        follow(m0XtargetWidget, 0);
+    if (addRow(m1XtargetWidget, QStringLiteral("M1_XTARGET")))
+        follow(m1XtargetWidget, 1);
 }
 
 void SynchronisedDriveTool::listRegisters(QList<QVariant> addresses)
@@ -146,11 +138,10 @@ void SynchronisedDriveTool::listRampRegisters()
 /// lives on, and what is connected to it must not be code of a file that the host has unloaded.
 void SynchronisedDriveTool::watchWrites()
 {
-    QObject *const self = this;
     connect(
-        module(), &QVXLModuleInterface::registerOutputBufferHasWritten, self,
-        [self](unsigned short address) {
-            if (SynchronisedDriveTool *tool = complete(self))
+        module(), &QVXLModuleInterface::registerOutputBufferHasWritten, this,
+        [self = static_cast<QObject *>(this)](unsigned short address) {
+            if (Tool *tool = complete(self))
                 tool->registerWritten(address);
         },
         Qt::DirectConnection);

@@ -10,6 +10,7 @@
 
 class ChartView;
 class QAction;
+class QSpinBox;
 class TraceSeries;
 class Ui_SynchronisedDriveTool;
 class XmlProductIC;
@@ -89,6 +90,16 @@ private:
         bool operator!=(const Begun &other) const;
     };
 
+    /// An axis of the chart and its two limit boxes: two views of one state. All null while the
+    /// tool has no chart.
+    struct Limits
+    {
+        QSpinBox *lower = nullptr;
+        QSpinBox *upper = nullptr;
+        QtCharts::QValueAxis *axis = nullptr;
+    };
+    using Coordinate = double (QPointF::*)() const;
+
     bool isComplete() const;
 
     // Set-up, in the constructor's order, and what its steps are made of.
@@ -109,8 +120,6 @@ private:
     // Steps of initXmlRegister().
     void bindRegisters(QList<QVariant> &addresses);
     void bindFields(XmlRegisterWidgetContainer *container);
-    XmlRegisterWidget *addFieldWidget(XmlRegisterWidgetContainer *container,
-                                      const QString &identifier);
     void listRegisters(QList<QVariant> addresses);
     void listRampRegisters();
     void watchWrites();
@@ -134,6 +143,10 @@ private:
     TraceSeries *trace() const;
     QPoint tracePixel(const QPointF &point) const;
     void targetWidgetChanged(int axis, int value);
+    Limits horizontal() const;
+    Limits vertical() const;
+    void lowerLimitChanged(const Limits &limits, int value);
+    void upperLimitChanged(const Limits &limits, int value);
     void pushLimits(QPoint outer);
 
     // The polling cycle.
@@ -142,7 +155,7 @@ private:
     void writeNewTarget();
     void drawSamples();
     void appendToTrace(const QVector<QPointF> &points);
-    void keepInView(const QPointF &point);
+    void keepInView(const Limits &limits, double position);
     void checkEndOfMove();
     void runNextFlightPathPoint();
     void trimTrace();
@@ -152,11 +165,10 @@ private:
     void editFlightPath(const QAction *action);
 
     // Zoom.
-    void rangeChangedX(double min, double max);
-    void rangeChangedY(double min, double max);
+    void rangeChanged(const Limits &limits, Coordinate of, double min, double max);
     template <typename Accepts>
     void redrawTrace(const Accepts &isInRange);
-    void shiftView(qint64 dx, qint64 dy);
+    void shiftLimits(const Limits &limits, qint64 by);
 
     // Also their order in memory, and so of destruction.
     Ui_SynchronisedDriveTool *ui = nullptr;
