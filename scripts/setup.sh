@@ -3,7 +3,7 @@
 # Sourced by bash; `root` is the folder of the sources. Needs CMake 3.22 or newer for the presets;
 # Debian 12 has 3.25.
 
-packages=(g++ cmake ninja-build qtbase5-dev libqt5charts5-dev fonts-dejavu-core)
+packages=(g++ cmake ninja-build qtbase5-dev qtbase5-private-dev libqt5charts5-dev fonts-dejavu-core)
 
 say() { printf '\n== %s\n' "$*"; }
 
