@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Application.h"
+#include "Clock.h"
 #include "EventWait.h"
 #include "MainWindow.h"
 #include "PanelDriver.h"
@@ -38,7 +39,8 @@ public:
 
     bool waitFor(const std::function<bool()> &condition) const
     {
-        workbench::EventWait wait;
+        const workbench::SteadyClock clock;
+        workbench::EventWait wait(clock);
         return wait.until(condition, timeoutMs) == workbench::WaitResult::Happened;
     }
 

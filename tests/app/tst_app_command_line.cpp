@@ -27,6 +27,7 @@ private slots:
     void takesAFlightPath();
     void takesLinkCosts_data();
     void takesLinkCosts();
+    void takesClocks();
     void takesTargets_data();
     void takesTargets();
     void refusesWithOneLine_data();
@@ -90,6 +91,18 @@ void CommandLineTest::takesLinkCosts()
     QCOMPARE(parsed(line).options.linkCostNs, costNs);
 }
 
+void CommandLineTest::takesClocks()
+{
+    QVERIFY(!parsed(QStringLiteral("--unattended")).options.isTimeSimulated);
+    QVERIFY(!parsed(QStringLiteral("--unattended --clock real")).options.isTimeSimulated);
+    const CommandLine simulated = parsed(QStringLiteral("--unattended --clock simulated"));
+    QVERIFY(simulated.options.isTimeSimulated);
+    QCOMPARE(simulated.options.linkCostNs, 500000);
+    // Requests are what moves that time on.
+    const CommandLine fast = parsed(QStringLiteral("--unattended --clock simulated --link-cost 0"));
+    QCOMPARE(fast.options.linkCostNs, 1000);
+}
+
 void CommandLineTest::takesTargets_data()
 {
     QTest::addColumn<QString>("line");
@@ -140,6 +153,8 @@ void CommandLineTest::refusesWithOneLine_data()
     row("record without a run", "--record a.csv", "--unattended");
     row("flight path without a run", "--flight-path a.csv", "--unattended");
     row("flight path and a target", "--unattended --flight-path a.csv --target 1,2", "--target");
+    row("clock of no kind", "--unattended --clock wall", "\"wall\" is neither real nor simulated");
+    row("clock without a run", "--clock simulated", "--clock goes with --unattended only");
     row("target without a run", "--target 1,2", "--unattended");
 }
 
@@ -166,7 +181,7 @@ void CommandLineTest::printsHelpAndVersion()
     const CommandLine help = parsed(QStringLiteral("--help"));
     QCOMPARE(help.outcome, CommandLine::PrintText);
     for (const char *option : {"--unattended", "--picture", "--record", "--target", "--flight-path",
-                               "--link-cost", "--chip", "--plugins", "--version"})
+                               "--link-cost", "--chip", "--plugins", "--clock", "--version"})
         QVERIFY2(help.text.contains(QLatin1String(option)), option);
     const CommandLine version = parsed(QStringLiteral("--version"));
     QCOMPARE(version.outcome, CommandLine::PrintText);

@@ -302,7 +302,8 @@ void AppTapeWindowTest::runWhoseTapeBecomesFullFails()
     QTest::ignoreMessage(
         QtWarningMsg,
         qPrintable(options.tapeFile + QStringLiteral(": the tape is full and ends here")));
-    QCOMPARE(runUnattended(options, *chip), exitCode::failure);
+    SteadyClock clock;
+    QCOMPARE(runUnattended(options, *chip, clock), exitCode::failure);
     const auto tape = readTapeFile(options.tapeFile);
     QVERIFY(tape.has_value());
     QVERIFY(QFileInfo(options.tapeFile).size() <= options.tapeSizeLimit);

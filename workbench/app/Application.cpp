@@ -6,6 +6,7 @@
 #include "Complaints.h"
 #include "EventWait.h"
 #include "PanelDriver.h"
+#include "SimulatedDispatcher.h"
 #include "StopSignal.h"
 #include "TapeFile.h"
 #include "UnattendedRun.h"
@@ -15,6 +16,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QHash>
 #include <QPointer>
 
 #include <cstdio>
@@ -47,14 +49,25 @@ std::optional<ChipDescription> readChip(const QString &fileName)
     return chip;
 }
 
-/// An unattended run needs no screen, so it does without where there is none.
-void chooseScreen(bool isUnattended)
+/// An unattended run needs no screen, so it does without where there is none, and on simulated
+/// time anywhere: a screen has a time of its own.
+void chooseScreen(const Options &options)
 {
     const bool hasScreen = qEnvironmentVariableIsSet("DISPLAY") ||
                            qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
                            qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
-    if (isUnattended && !hasScreen)
+    if (options.isTimeSimulated || (options.isUnattended && !hasScreen))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
+/// Before there is an application object, which is to own what is returned.
+QAbstractEventDispatcher *installSimulatedTime(SteppedClock &clock)
+{
+    // The order of what is kept in hashes is otherwise another one in each process.
+    qSetGlobalQHashSeed(0);
+    auto *const eventLoop = new SimulatedDispatcher(clock);
+    QCoreApplication::setEventDispatcher(eventLoop);
+    return eventLoop;
 }
 
 /// Ends a move through the panel, so that its stop and its end are on the tape too; there is
@@ -68,7 +81,7 @@ void haltAxes(Workbench &workbench)
     if (!panel.isMoving() || !panel.pressStop())
         return;
     // Somebody who closes the window meanwhile does not want to wait.
-    EventWait wait;
+    EventWait wait(workbench.module().clock());
     QApplication::setQuitOnLastWindowClosed(false);
     QObject::connect(qApp, &QGuiApplication::lastWindowClosed, &wait, &EventWait::interrupt);
     const AxesState axes(workbench.module(), nullptr);
@@ -78,10 +91,10 @@ void haltAxes(Workbench &workbench)
                haltTimeoutMs);
 }
 
-int runInWindow(const Options &options, const ChipDescription &chip,
+int runInWindow(const Options &options, const ChipDescription &chip, Clock &clock,
                 const std::optional<Tape> &replay)
 {
-    Workbench workbench(options, chip, replay);
+    Workbench workbench(options, chip, clock, replay);
     // A signal ends the tape properly; without a tape there is nothing to end.
     std::optional<StopSignal> stopSignal;
     if (!options.tapeFile.isEmpty()) {
@@ -129,15 +142,24 @@ int runApplication(int argc, char *argv[])
             return exitCode::usage;
     }
 
-    chooseScreen(commandLine.options.isUnattended);
+    chooseScreen(commandLine.options);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     // An unattended run operates the file dialog itself, which only works with Qt's own.
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs, commandLine.options.isUnattended);
-    const QApplication application(argc, argv);
+    SteadyClock realClock;
+    SteppedClock simulatedClock;
+    QAbstractEventDispatcher *eventLoop = nullptr;
+    if (commandLine.options.isTimeSimulated)
+        eventLoop = installSimulatedTime(simulatedClock);
+    Clock &clock = eventLoop ? static_cast<Clock &>(simulatedClock) : realClock;
+    QApplication application(argc, argv);
+    if (eventLoop)
+        eventLoop->setParent(&application);
     QApplication::setApplicationDisplayName(QStringLiteral("Workbench"));
     QApplication::setApplicationVersion(QStringLiteral(WORKBENCH_VERSION));
-    return commandLine.options.isUnattended ? runUnattended(commandLine.options, *chip, replay)
-                                            : runInWindow(commandLine.options, *chip, replay);
+    return commandLine.options.isUnattended
+               ? runUnattended(commandLine.options, *chip, clock, replay)
+               : runInWindow(commandLine.options, *chip, clock, replay);
 }
 
 } // namespace workbench

@@ -23,6 +23,14 @@ const QCommandLineOption unattendedOption{
     QStringLiteral("unattended"),
     QStringLiteral("Run a few moves and a flight path through the panel, report each, and exit "
                    "with 0 when all went well, else with 1.")};
+const QCommandLineOption clockOption{
+    QStringLiteral("clock"),
+    QStringLiteral(
+        "What an unattended run takes its time from: \"real\", or \"simulated\", where "
+        "time moves by what requests cost, 1 microsecond at least, and jumps to the next "
+        "timer; the same options then give the same files, without any waiting. real "
+        "when not given."),
+    QStringLiteral("CLOCK")};
 const QCommandLineOption targetOption{
     QStringLiteral("target"),
     QStringLiteral("In an unattended run drive to this point instead of the built-in ones; may be "
@@ -60,7 +68,9 @@ const QCommandLineOption faultOption{
     QStringLiteral("NAME[:PARAMETER]")};
 const QCommandLineOption seedOption{
     QStringLiteral("seed"),
-    QStringLiteral("Where the chance in faults begins, 0 to 4294967295; 1 when not given."),
+    QStringLiteral("Where the chance in faults begins, 0 to 4294967295; 1 when not given. On "
+                   "simulated time it repeats a run exactly; in real time the same requests are "
+                   "lost first, but later ones fall on others."),
     QStringLiteral("N")};
 const QCommandLineOption tapeOption{
     QStringLiteral("tape"),
@@ -107,6 +117,7 @@ public:
     CommandLine read()
     {
         readFiles();
+        readClock();
         readTargets();
         readLinkCost();
         readFaults();
@@ -153,6 +164,16 @@ private:
                      .arg(options.pictureFile));
     }
 
+    void readClock()
+    {
+        if (!parser.isSet(clockOption))
+            return;
+        const QString name = parser.value(clockOption);
+        options.isTimeSimulated = name == QLatin1String("simulated");
+        if (!options.isTimeSimulated && name != QLatin1String("real"))
+            fail(QStringLiteral("--clock: \"%1\" is neither real nor simulated").arg(name));
+    }
+
     void readTargets()
     {
         const QStringList texts = parser.values(targetOption);
@@ -173,8 +194,10 @@ private:
         if (!parser.isSet(linkCostOption))
             return;
         const QString text = parser.value(linkCostOption);
+        // Requests are what moves simulated time on.
+        const int leastUs = options.isTimeSimulated ? 1 : 0;
         if (const auto cost = number(text, 0, maximumLinkCostUs))
-            options.linkCostNs = static_cast<qint64>(*cost) * nsPerMicrosecond;
+            options.linkCostNs = static_cast<qint64>(qMax(*cost, leastUs)) * nsPerMicrosecond;
         else
             fail(QStringLiteral("--link-cost: \"%1\" is not a whole number from 0 to %2")
                      .arg(text)
@@ -204,7 +227,7 @@ private:
     {
         options.isUnattended = parser.isSet(unattendedOption);
         for (const QCommandLineOption &option :
-             {pictureOption, recordOption, targetOption, flightPathOption}) {
+             {pictureOption, recordOption, targetOption, flightPathOption, clockOption}) {
             if (parser.isSet(option) && !options.isUnattended)
                 fail(QStringLiteral("--%1 goes with --unattended only")
                          .arg(option.names().constFirst()));
@@ -233,7 +256,7 @@ CommandLine parseCommandLine(const QStringList &arguments)
         QStringLiteral("A desk for trying motion-control tools on a simulated dual-axis module."));
     const auto help = parser.addHelpOption();
     const auto version = parser.addVersionOption();
-    parser.addOptions({unattendedOption, targetOption, flightPathOption, pictureOption,
+    parser.addOptions({unattendedOption, clockOption, targetOption, flightPathOption, pictureOption,
                        recordOption, linkCostOption, chipOption, pluginsOption, faultOption,
                        seedOption, tapeOption, replayOption});
 

@@ -14,6 +14,7 @@ namespace workbench {
 struct Options
 {
     bool isUnattended = false;
+    bool isTimeSimulated = false; ///< with isUnattended only
     QString pictureFile;
     QString recordFile;
     QVector<QPoint> targets; ///< position units, each within signed 24 bits

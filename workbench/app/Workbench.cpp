@@ -24,7 +24,7 @@ QString shortVersion(ToolsInterface *tool)
 
 } // namespace
 
-Workbench::Workbench(const Options &options, const ChipDescription &chip,
+Workbench::Workbench(const Options &options, const ChipDescription &chip, Clock &clock,
                      const std::optional<Tape> &tape)
     : simulated(chip, clock)
     , links(simulated.link(), clock, chip.axisAddresses(), tape, options.seed)

@@ -10,15 +10,15 @@
 
 namespace workbench {
 
-/// All that makes up the running program: the module in real time, the plug-ins' tools for it and
+/// All that makes up the running program: the module, the plug-ins' tools for it and
 /// the window. Exists once, after the QApplication. GUI thread.
 class Workbench
 {
 public:
     /// Loads the plug-ins; those that could not be loaded are named in the log. With a tape the
     /// requests are answered from that instead of the simulated chip, and in a window what is not
-    /// as on it goes to the log; an unattended run tells that itself.
-    Workbench(const Options &options, const ChipDescription &chip,
+    /// as on it goes to the log; an unattended run tells that itself. The clock is not owned.
+    Workbench(const Options &options, const ChipDescription &chip, Clock &clock,
               const std::optional<Tape> &tape = std::nullopt);
 
     SimulatedModule &module() { return simulated; }
@@ -41,7 +41,6 @@ private:
 
     // In this order, so that what uses something goes before it.
     MessageLog log;
-    SteadyClock clock;
     SimulatedModule simulated;
     LinkChain links;
     FaultControl faultControl;

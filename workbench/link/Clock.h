@@ -44,4 +44,26 @@ private:
     qint64 time = 0;
 };
 
+/// Tells how long ago something was, on any clock. Runs from its construction.
+class Stopwatch
+{
+public:
+    /// The clock is not owned.
+    explicit Stopwatch(const Clock &watchedClock)
+        : clock(&watchedClock)
+        , startNs(watchedClock.now())
+    {
+    }
+
+    void restart() { startNs = clock->now(); }
+    /// True from `ms` milliseconds on.
+    bool hasReached(qint64 ms) const { return (clock->now() - startNs) / nsPerMs >= ms; }
+
+private:
+    static constexpr qint64 nsPerMs = 1000000;
+
+    const Clock *clock;
+    qint64 startNs;
+};
+
 } // namespace workbench

@@ -1,21 +1,20 @@
 #include "EventWait.h"
 
-#include <QElapsedTimer>
+#include "Clock.h"
+
 #include <QEventLoop>
 #include <QTimer>
 
 namespace workbench {
 
-namespace {
-
-constexpr int tryPeriodMs = 5;
-
-} // namespace
+EventWait::EventWait(const Clock &waitClock)
+    : clock(waitClock)
+{
+}
 
 WaitResult EventWait::until(const std::function<bool()> &condition, qint64 timeoutMs)
 {
-    QElapsedTimer elapsed;
-    elapsed.start();
+    const Stopwatch elapsed(clock);
     QEventLoop loop;
     QTimer ticks;
     ticks.setTimerType(Qt::PreciseTimer);
@@ -25,7 +24,7 @@ WaitResult EventWait::until(const std::function<bool()> &condition, qint64 timeo
     while (!isInterrupted) {
         if (condition())
             return WaitResult::Happened;
-        if (elapsed.hasExpired(timeoutMs))
+        if (elapsed.hasReached(timeoutMs))
             return WaitResult::TimedOut;
         if (onTick)
             onTick();

@@ -6,6 +6,8 @@
 
 namespace workbench {
 
+class Clock;
+
 enum class WaitResult { Happened, TimedOut, Interrupted };
 
 /// Waits in the event loop, so that everything else goes on. GUI thread.
@@ -14,7 +16,12 @@ class EventWait : public QObject
     Q_OBJECT
 
 public:
-    /// Until `condition`, which is tried every few milliseconds, holds.
+    static constexpr int tryPeriodMs = 5;
+
+    /// Times are those of the clock, which is not owned and must go with the event loop's.
+    explicit EventWait(const Clock &clock);
+
+    /// Until `condition`, which is tried every tryPeriodMs, holds.
     WaitResult until(const std::function<bool()> &condition, qint64 timeoutMs);
 
     /// Ends the wait that runs and every later one, until clearInterrupt().
@@ -28,6 +35,7 @@ signals:
     void interrupted();
 
 private:
+    const Clock &clock;
     bool isInterrupted = false;
 };
 

@@ -46,8 +46,9 @@ QAbstractButton *standardButton(const QDialog *dialog, QDialogButtonBox::Standar
 
 } // namespace
 
-FlightPathEditor::FlightPathEditor(const PanelDriver &panelDriver)
+FlightPathEditor::FlightPathEditor(const PanelDriver &panelDriver, const Clock &editorClock)
     : panel(panelDriver)
+    , clock(editorClock)
 {
 }
 
@@ -79,7 +80,7 @@ void FlightPathEditor::open()
         return;
     }
     pendingSteps = std::make_unique<QObject>();
-    attempt([this] { return operateEditor(); }, QDeadlineTimer(appearTimeoutMs));
+    attempt([this] { return operateEditor(); }, appearTimeoutMs);
     edit->trigger();
     pendingSteps.reset();
     if (!isOperated)
@@ -87,17 +88,22 @@ void FlightPathEditor::open()
 }
 
 /// Tries a step again and again, each time out of the event loop, until it says that it is done.
-void FlightPathEditor::attempt(const Step &step, const QDeadlineTimer &deadline)
+void FlightPathEditor::attempt(const Step &step, qint64 timeoutMs)
+{
+    attemptAgain(step, timeoutMs, Stopwatch(clock));
+}
+
+void FlightPathEditor::attemptAgain(const Step &step, qint64 timeoutMs, const Stopwatch &elapsed)
 {
     // A timer of its own each time: one whose handler still runs would not fire in the event loop
     // of a dialog that the handler has opened.
-    QTimer::singleShot(stepPeriodMs, pendingSteps.get(), [this, step, deadline] {
+    QTimer::singleShot(stepPeriodMs, pendingSteps.get(), [this, step, timeoutMs, elapsed] {
         if (step())
             return;
-        if (deadline.hasExpired())
+        if (elapsed.hasReached(timeoutMs))
             giveUp();
         else
-            attempt(step, deadline);
+            attemptAgain(step, timeoutMs, elapsed);
     });
 }
 
@@ -131,7 +137,7 @@ void FlightPathEditor::loadFile(QDialog *dialog)
     const auto noteLoad = [this] { isLoaded = true; };
     connect(series, &QtCharts::QXYSeries::pointsReplaced, this, noteLoad);
     connect(series, &QtCharts::QXYSeries::pointsRemoved, this, noteLoad);
-    attempt([this] { return operateFileDialog(); }, QDeadlineTimer(appearTimeoutMs));
+    attempt([this] { return operateFileDialog(); }, appearTimeoutMs);
     if (!press(buttonWithText(editor, QStringLiteral("Load csv"))))
         fail(QStringLiteral("the dialog for the flight path does not offer to load a file"));
     else if (!isLoaded)
@@ -151,7 +157,7 @@ bool FlightPathEditor::operateFileDialog()
     if (name)
         name->setText(file);
     // What the dialog does not take it complains about in a box that somebody has to close.
-    attempt([dialog] { return !dialog || !dialog->isVisible(); }, QDeadlineTimer(acceptTimeoutMs));
+    attempt([dialog] { return !dialog || !dialog->isVisible(); }, acceptTimeoutMs);
     if (!name || !press(standardButton(dialog, QDialogButtonBox::Open)))
         giveUp();
     return true;

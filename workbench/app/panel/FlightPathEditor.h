@@ -1,8 +1,8 @@
 #pragma once
 
+#include "Clock.h"
 #include "PanelDriver.h"
 
-#include <QDeadlineTimer>
 #include <QObject>
 #include <QPointF>
 #include <QPointer>
@@ -24,7 +24,8 @@ class FlightPathEditor : public QObject
     Q_OBJECT
 
 public:
-    explicit FlightPathEditor(const PanelDriver &panel);
+    /// The clock is not owned and must go with the event loop's.
+    FlightPathEditor(const PanelDriver &panel, const Clock &clock);
 
     /// The panel's flight path, as the dialog shows it; the dialog is cancelled. Returns an empty
     /// text, or one line about what failed.
@@ -38,7 +39,8 @@ private:
     using Step = std::function<bool()>;
 
     void open();
-    void attempt(const Step &step, const QDeadlineTimer &deadline);
+    void attempt(const Step &step, qint64 timeoutMs);
+    void attemptAgain(const Step &step, qint64 timeoutMs, const Stopwatch &elapsed);
     bool operateEditor();
     bool operateFileDialog();
     void loadFile(QDialog *editor);
@@ -46,6 +48,7 @@ private:
     void fail(const QString &reason);
 
     PanelDriver panel;
+    const Clock &clock;
     QString file; ///< absolute; empty to load none
     QVector<QPointF> *result = nullptr;
     QString problem;

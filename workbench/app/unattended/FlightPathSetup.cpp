@@ -33,10 +33,10 @@ QString cannotLoadFlightPath(const QString &fileName)
     return wording::ofFile(fileName, wording::notOfferedByFileDialog);
 }
 
-Complaint prepareFlightPath(const QString &fileName, const PanelDriver &panel, RunOutput &output,
-                            QVector<QPointF> *path)
+Complaint prepareFlightPath(const QString &fileName, const PanelDriver &panel, const Clock &clock,
+                            RunOutput &output, QVector<QPointF> *path)
 {
-    FlightPathEditor editor(panel);
+    FlightPathEditor editor(panel, clock);
     if (fileName.isEmpty()) {
         const QString problem = editor.read(path);
         const bool isMissing = problem.isEmpty() && path->isEmpty();

@@ -8,6 +8,7 @@
 
 namespace workbench {
 
+class Clock;
 class PanelDriver;
 class RunOutput;
 
@@ -16,7 +17,7 @@ QString cannotLoadFlightPath(const QString &fileName);
 
 /// Gives the panel the path of a file, or leaves its built-in one when the name is empty, and its
 /// points to `path`. Says in `output` what of them the panel drops.
-Complaint prepareFlightPath(const QString &fileName, const PanelDriver &panel, RunOutput &output,
-                            QVector<QPointF> *path);
+Complaint prepareFlightPath(const QString &fileName, const PanelDriver &panel, const Clock &clock,
+                            RunOutput &output, QVector<QPointF> *path);
 
 } // namespace workbench

@@ -1,6 +1,5 @@
 #include "MoveRun.h"
 
-#include "RunStage.h"
 #include "SimulatedModule.h"
 #include "Wording.h"
 
@@ -96,7 +95,7 @@ QString MoveRun::prepareView(const ScriptedMove &planned)
 
 QString MoveRun::turn()
 {
-    const QString problem = halfWay();
+    const QString problem = halfWay(StepIn::Pick);
     if (!problem.isEmpty())
         return problem;
     if (!stage.panel.isMoving())
@@ -112,7 +111,7 @@ QString MoveRun::turn()
 
 QString MoveRun::stop()
 {
-    const QString problem = halfWay();
+    const QString problem = halfWay(StepIn::Stop);
     if (!problem.isEmpty())
         return problem;
     if (!stage.panel.isMoving())
@@ -121,11 +120,11 @@ QString MoveRun::stop()
     return stage.panel.pressStop() ? QString() : wording::stopDisabled;
 }
 
-QString MoveRun::halfWay()
+QString MoveRun::halfWay(StepIn what)
 {
     const double half = QLineF(move.start, move.picked).length() / 2;
-    const auto isThere = [this, half] {
-        return !stage.panel.isMoving() || stage.isTimeToStepIn(move.start, half);
+    const auto isThere = [this, half, what] {
+        return !stage.panel.isMoving() || stage.isTimeToStepIn(move.start, half, what);
     };
     return stage.waitFor(isThere, stage.timeoutMs(), wording::notHalfWay);
 }

@@ -1,10 +1,9 @@
 #pragma once
 
 #include "MoveResult.h"
+#include "RunStage.h"
 
 namespace workbench {
-
-class RunStage;
 
 /// Carries moves out through the panel, one after another, and checks each.
 class MoveRun
@@ -29,7 +28,7 @@ private:
     QString waitForEnd();
     QString checkHalt();
     QString checkStaysPut();
-    QString halfWay();
+    QString halfWay(StepIn what);
 
     RunStage &stage;
     int number = 0;

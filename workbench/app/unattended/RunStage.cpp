@@ -4,7 +4,6 @@
 #include "TapeLink.h"
 #include "Wording.h"
 
-#include <QElapsedTimer>
 #include <QLineF>
 
 #include <limits>
@@ -13,6 +12,7 @@ namespace workbench {
 
 namespace {
 
+constexpr qint64 nsPerMs = 1000000;
 constexpr int progressPeriodMs = 100;
 constexpr int settleTimeoutMs = 2000;
 constexpr qint64 patienceMs = 30000;
@@ -22,19 +22,22 @@ constexpr int patienceFactor = 4;        ///< times as long as at full speed all
 } // namespace
 
 RunStage::RunStage(SimulatedModule &simulated, const TapeLink *played, SampleTap &sampleTap,
-                   const PanelDriver &panelDriver, RecordWriter &recordWriter, RunOutput &runOutput)
+                   const PanelDriver &panelDriver, RecordWriter &recordWriter, RunOutput &runOutput,
+                   bool hasSimulatedTime)
     : module(simulated)
     , panel(panelDriver)
     , output(runOutput)
     , axes(simulated, played)
     , replay(played)
     , tape(played)
+    , isTimeSimulated(hasSimulatedTime)
     , tap(sampleTap)
     , record(recordWriter)
+    , wait(simulated.clock())
+    , sinceProgress(simulated.clock())
 {
     tap.onSample = [this](const Sample &sample) { take(sample); };
     wait.onTick = [this] { showProgress(); };
-    sinceProgress.start();
 }
 
 RunStage::~RunStage()
@@ -83,30 +86,36 @@ QString RunStage::letPanelSettle()
     constexpr qint64 msWithoutChange = 100;
     QRectF seen;
     int unchanged = 0;
-    QElapsedTimer sinceChange;
-    sinceChange.start();
+    Stopwatch sinceChange(module.clock());
     const auto isSettled = [&] {
         const QRectF now = panel.plotArea();
         ++unchanged;
         if (now != seen) {
             unchanged = 0;
-            sinceChange.start();
+            sinceChange.restart();
         }
         seen = now;
-        return unchanged >= triesWithoutChange && sinceChange.hasExpired(msWithoutChange);
+        return unchanged >= triesWithoutChange && sinceChange.hasReached(msWithoutChange);
     };
     return watchAgainst(isSettled, settleTimeoutMs, QString());
 }
 
-/// A tape waits for other targets than those that the panel is about to write by itself, and where
-/// the panel had drawn the axes when something was done, so that must be drawn now too.
-bool RunStage::isTimeToStepIn(const QPoint &start, double distance) const
+bool RunStage::isTimeToStepIn(const QPoint &start, double distance, StepIn what) const
 {
-    if (tape)
-        return tape->waitingNs() >= 0 &&
-               tape->awaitedTarget().value_or(panel.target()) != panel.target() &&
-               panel.shownPosition() == axes.position();
-    return QLineF(start, axes.position()).length() >= distance;
+    return tape ? isWaitedFor(what) : QLineF(start, axes.position()).length() >= distance;
+}
+
+/// A tape waits for other targets than those that the panel is about to write by itself, and where
+/// the panel had drawn the axes when something was done, so that must be drawn now too. On
+/// simulated time the panel draws what it had drawn without waiting for it, and a picked target is
+/// there for the update that wrote it only if it is picked on the last try before.
+bool RunStage::isWaitedFor(StepIn what) const
+{
+    if (tape->awaitedTarget().value_or(panel.target()) == panel.target())
+        return false;
+    if (isTimeSimulated && what == StepIn::Pick)
+        return tape->waitingNs() >= -EventWait::tryPeriodMs * nsPerMs;
+    return tape->waitingNs() >= 0 && panel.shownPosition() == axes.position();
 }
 
 void RunStage::haltAxes()
@@ -128,7 +137,7 @@ qint64 RunStage::timeoutMs() const
     const int slowest = qMin(axes.registerValue(QStringLiteral("M0_VMAX")),
                              axes.registerValue(QStringLiteral("M1_VMAX")));
     const double seconds = slowest > 0 ? static_cast<double>(way.manhattanLength()) / slowest : 0;
-    const qint64 requestsMs = patienceRequests * module.link().requestCostNs() / 1000000;
+    const qint64 requestsMs = patienceRequests * module.link().requestCostNs() / nsPerMs;
     return patienceMs + requestsMs + static_cast<qint64>(seconds * 1000 * patienceFactor);
 }
 
@@ -141,9 +150,9 @@ void RunStage::take(const Sample &sample)
 
 void RunStage::showProgress()
 {
-    if (!progressText || !sinceProgress.hasExpired(progressPeriodMs))
+    if (!progressText || !sinceProgress.hasReached(progressPeriodMs))
         return;
-    sinceProgress.start();
+    sinceProgress.restart();
     output.progress(progressText());
 }
 

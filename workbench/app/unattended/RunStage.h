@@ -1,13 +1,12 @@
 #pragma once
 
 #include "AxesState.h"
+#include "Clock.h"
 #include "EventWait.h"
 #include "PanelDriver.h"
 #include "RecordWriter.h"
 #include "ReplayWatch.h"
 #include "RunOutput.h"
-
-#include <QElapsedTimer>
 
 #include <functional>
 
@@ -17,16 +16,25 @@ class SampleTap;
 class SimulatedModule;
 class TapeLink;
 
+/// What is done in mid-move.
+enum class StepIn {
+    Pick, ///< the panel writes the target to the chip by itself a little later
+    Stop, ///< written at once
+};
+
 /// What all parts of an unattended run work with: the panel that is driven, the module behind it,
 /// the tape that answers in the module's place if there is one, and where the results go. Samples
-/// are those that the panel asks for itself. GUI thread; real time.
+/// are those that the panel asks for itself. All times are those of the module's clock. GUI thread.
 class RunStage
 {
 public:
     /// Refers to all but the panel driver; null plays no tape. Takes the tap's onSample over for
     /// its lifetime.
+    /// `isTimeSimulated`: a tape recorded on simulated time too has its requests at the very same
+    /// times.
     RunStage(SimulatedModule &module, const TapeLink *tape, SampleTap &tap,
-             const PanelDriver &panel, RecordWriter &record, RunOutput &output);
+             const PanelDriver &panel, RecordWriter &record, RunOutput &output,
+             bool isTimeSimulated);
     ~RunStage();
     RunStage(const RunStage &) = delete;
     RunStage &operator=(const RunStage &) = delete;
@@ -57,7 +65,7 @@ public:
 
     /// True at the moment to do something in mid-move: at `distance` from `start`, or where the
     /// tape waits for it.
-    bool isTimeToStepIn(const QPoint &start, double distance) const;
+    bool isTimeToStepIn(const QPoint &start, double distance, StepIn what) const;
 
     /// Stops the axes through the panel, also after an interruption. There are none to stop on a
     /// tape.
@@ -72,11 +80,14 @@ private:
     void take(const Sample &sample);
     void showProgress();
 
+    bool isWaitedFor(StepIn what) const;
+
     const TapeLink *tape;
+    bool isTimeSimulated;
     SampleTap &tap;
     RecordWriter &record;
     EventWait wait;
-    QElapsedTimer sinceProgress;
+    Stopwatch sinceProgress;
 };
 
 } // namespace workbench

@@ -51,8 +51,8 @@ Complaint runParts(const Options &options, RunStage &stage)
     if (!options.targets.isEmpty())
         return failure(runMoves(stage, movesTo(options.targets)));
     QVector<QPointF> path;
-    const Complaint problem =
-        prepareFlightPath(options.flightPathFile, stage.panel, stage.output, &path);
+    const Complaint problem = prepareFlightPath(options.flightPathFile, stage.panel,
+                                                stage.module.clock(), stage.output, &path);
     if (!problem.text.isEmpty())
         return problem;
     const QVector<QPoint> points = drivenPoints(path);
@@ -100,7 +100,7 @@ Complaint runAndReport(const Options &options, Workbench &workbench, const StopS
         return failure(wording::panelLacks(panel.missingPart()));
     RunOutput output;
     RunStage stage(workbench.module(), workbench.tape(), workbench.sampleTap(), panel, record,
-                   output);
+                   output, options.isTimeSimulated);
     Complaint problem = runInterruptibly(options, stage, stopSignal);
     if (problem.text.isEmpty())
         problem = failure(stage.replay.problemAtEnd());
@@ -132,7 +132,7 @@ Complaint runOnTape(const Options &options, Workbench &workbench)
 
 } // namespace
 
-int runUnattended(const Options &options, const ChipDescription &chip,
+int runUnattended(const Options &options, const ChipDescription &chip, Clock &clock,
                   const std::optional<Tape> &replay)
 {
     if (!options.flightPathFile.isEmpty()) {
@@ -143,7 +143,7 @@ int runUnattended(const Options &options, const ChipDescription &chip,
         }
     }
     QApplication::setQuitOnLastWindowClosed(false);
-    Workbench workbench(options, chip, replay);
+    Workbench workbench(options, chip, clock, replay);
     const Complaint problem = runOnTape(options, workbench);
     if (problem.text.isEmpty())
         return exitCode::success;
