@@ -18,7 +18,9 @@ QString text(const char *latin1)
 ProgramBench::Ending runFile(const ProgramBench &bench, const char *name,
                              const QStringList &more = {})
 {
-    return bench.run(QStringList{text("--unattended"), text("--flight-path"), text(name)} + more);
+    return bench.run(QStringList{text("--unattended"), text("--clock"), text("simulated"),
+                                 text("--flight-path"), text(name)} +
+                     more);
 }
 
 /// The points that the lines of a run name as reached, in order; the test fails on a line about a
@@ -108,7 +110,8 @@ void AppFlightPathTest::fileIsRunPointByPoint()
 
 void AppFlightPathTest::builtInPathIsVisitedInItsOrder()
 {
-    const auto ending = bench.run({text("--unattended"), text("--record"), text("built-in.csv")});
+    const auto ending = bench.run({text("--unattended"), text("--clock"), text("simulated"),
+                                   text("--record"), text("built-in.csv")});
     QVERIFY2(ending.exitCode == 0, qPrintable(ending.complaints.join(QLatin1Char('\n'))));
     const QStringList corners{text("0,0"),    text("0,1025"),    text("1025,1025"), text("0,0"),
                               text("1025,0"), text("1025,1025"), text("512,1800"),  text("0,1025"),
@@ -140,7 +143,7 @@ void AppFlightPathTest::samplePathsAreBesideTheChips()
 void AppFlightPathTest::fractionsAreAnnouncedAndDropped()
 {
     bench.write(text("fractions.csv"), "Fractions\n10.7;-3.9\n5;5\n0.99;6\n");
-    const auto ending = runFile(bench, "fractions.csv");
+    const auto ending = runFile(bench, "fractions.csv", {text("--clock"), text("real")});
     QVERIFY2(ending.exitCode == 0, qPrintable(ending.complaints.join(QLatin1Char('\n'))));
     QCOMPARE(ending.output.constFirst(),
              text("fractions.csv: 2 of 3 points with fractions, which the panel drops: 10.7,-3.9 "

@@ -70,7 +70,8 @@ void RunTest::init()
 void RunTest::carriesTheBuiltInRunOutAndLeavesPictureAndRecord()
 {
     const ProgramBench::Ending ending =
-        bench->run({QStringLiteral("--unattended"), QStringLiteral("--picture"),
+        bench->run({QStringLiteral("--unattended"), QStringLiteral("--clock"),
+                    QStringLiteral("simulated"), QStringLiteral("--picture"),
                     QStringLiteral("p.png"), QStringLiteral("--record"), QStringLiteral("r.csv")});
     QVERIFY2(ending.exitCode == 0, qPrintable(ending.complaints.join(QLatin1Char('\n'))));
     QCOMPARE(ending.complaints, QStringList());

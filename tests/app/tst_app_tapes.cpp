@@ -63,7 +63,8 @@ private slots:
 private:
     static QStringList unattended(const QStringList &more)
     {
-        return QStringList{QStringLiteral("--unattended"), QStringLiteral("--target"),
+        return QStringList{QStringLiteral("--unattended"), QStringLiteral("--clock"),
+                           QStringLiteral("simulated"), QStringLiteral("--target"),
                            QStringLiteral("300,200")} +
                more;
     }
@@ -197,10 +198,9 @@ void AppTapesTest::runIsRecorded()
 
 void AppTapesTest::runThatFailsIsRecordedToo()
 {
-    const auto ending = bench->run({QStringLiteral("--unattended"), QStringLiteral("--target"),
-                                    QStringLiteral("300,200"), QStringLiteral("--fault"),
-                                    QStringLiteral("fail-writes"), QStringLiteral("--tape"),
-                                    QStringLiteral("a.tape")});
+    const auto ending =
+        bench->run(unattended({QStringLiteral("--fault"), QStringLiteral("fail-writes"),
+                               QStringLiteral("--tape"), QStringLiteral("a.tape")}));
     QCOMPARE(ending.exitCode, 1);
     const auto tape = readTapeFile(bench->filePath(QStringLiteral("a.tape")));
     QVERIFY(tape.has_value());
@@ -211,9 +211,9 @@ void AppTapesTest::runThatFailsIsRecordedToo()
 
 void AppTapesTest::interruptedRunIsRecordedToo()
 {
-    const auto process =
-        bench->start(unattended({QStringLiteral("--target"), QStringLiteral("8000000,0"),
-                                 QStringLiteral("--tape"), QStringLiteral("a.tape")}));
+    const auto process = bench->start(unattended(
+        {QStringLiteral("--target"), QStringLiteral("8000000,0"), QStringLiteral("--tape"),
+         QStringLiteral("a.tape"), QStringLiteral("--clock"), QStringLiteral("real")}));
     QVERIFY(process->waitForReadyRead(ProgramBench::runTimeoutMs));
     QVERIFY(process->readAllStandardOutput().startsWith("move 1: "));
     process->terminate();
