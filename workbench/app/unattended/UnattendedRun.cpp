@@ -95,6 +95,8 @@ Complaint runAndReport(const Options &options, Workbench &workbench, const StopS
         return failure(notOpened);
 
     workbench.show();
+    // Nobody looks on, and to paint each update would be most of the work. Layouts go on as ever.
+    workbench.window().setUpdatesEnabled(!options.isTimeSimulated);
     const PanelDriver panel(tool);
     if (!panel.missingPart().isEmpty())
         return failure(wording::panelLacks(panel.missingPart()));
@@ -106,6 +108,7 @@ Complaint runAndReport(const Options &options, Workbench &workbench, const StopS
         problem = failure(stage.replay.problemAtEnd());
     if (!problem.text.isEmpty())
         return problem;
+    workbench.window().setUpdatesEnabled(true);
     const QString notWritten = writeFiles(options, tool, record);
     if (notWritten.isEmpty())
         output.line(wording::allAsPlanned(options, record.sampleCount()));
