@@ -28,6 +28,7 @@ private slots:
     void takesLinkCosts_data();
     void takesLinkCosts();
     void takesClocks();
+    void takesCampaigns();
     void takesTargets_data();
     void takesTargets();
     void refusesWithOneLine_data();
@@ -103,6 +104,22 @@ void CommandLineTest::takesClocks()
     QCOMPARE(fast.options.linkCostNs, 1000);
 }
 
+void CommandLineTest::takesCampaigns()
+{
+    const Options plain = parsed(QStringLiteral("--unattended")).options;
+    QCOMPARE(plain.randomMoves, 0);
+    QCOMPARE(plain.repetitions, 1);
+    QCOMPARE(plain.firstPoint, 1);
+    const Options random =
+        parsed(QStringLiteral("--unattended --random 9 --area 30,-4,-5,60 --repeat 3")).options;
+    QCOMPARE(random.randomMoves, 9);
+    QCOMPARE(random.repetitions, 3);
+    QCOMPARE(random.area.low, QPoint(-5, -4));
+    QCOMPARE(random.area.high, QPoint(30, 60));
+    QCOMPARE(parsed(QStringLiteral("--unattended --flight-path a.csv --from 7")).options.firstPoint,
+             7);
+}
+
 void CommandLineTest::takesTargets_data()
 {
     QTest::addColumn<QString>("line");
@@ -155,6 +172,16 @@ void CommandLineTest::refusesWithOneLine_data()
     row("flight path and a target", "--unattended --flight-path a.csv --target 1,2", "--target");
     row("clock of no kind", "--unattended --clock wall", "\"wall\" is neither real nor simulated");
     row("clock without a run", "--clock simulated", "--clock goes with --unattended only");
+    row("random moves of no number", "--unattended --random 0", "--random: \"0\" is not a whole");
+    row("random moves and a target", "--unattended --random 5 --target 1,2", "--random goes");
+    row("random moves and a path", "--unattended --random 5 --flight-path a.csv", "--random goes");
+    row("area of one corner", "--unattended --random 5 --area 1,2", "--area: \"1,2\" is not");
+    row("area of words", "--unattended --random 5 --area 1,2,3,x", "--area: \"1,2,3,x\" is not");
+    row("area without random moves", "--unattended --area 1,2,3,4", "--area goes with --random");
+    row("first point without a path", "--unattended --from 2", "--from goes with --flight-path");
+    row("first point of no number", "--unattended --flight-path a.csv --from 0", "--from: \"0\"");
+    row("repetition of no number", "--unattended --repeat many", "--repeat: \"many\" is not");
+    row("repetition without a run", "--repeat 2", "--repeat goes with --unattended only");
     row("target without a run", "--target 1,2", "--unattended");
 }
 
@@ -181,7 +208,8 @@ void CommandLineTest::printsHelpAndVersion()
     const CommandLine help = parsed(QStringLiteral("--help"));
     QCOMPARE(help.outcome, CommandLine::PrintText);
     for (const char *option : {"--unattended", "--picture", "--record", "--target", "--flight-path",
-                               "--link-cost", "--chip", "--plugins", "--clock", "--version"})
+                               "--link-cost", "--chip", "--plugins", "--clock", "--random",
+                               "--area", "--repeat", "--from", "--version"})
         QVERIFY2(help.text.contains(QLatin1String(option)), option);
     const CommandLine version = parsed(QStringLiteral("--version"));
     QCOMPARE(version.outcome, CommandLine::PrintText);

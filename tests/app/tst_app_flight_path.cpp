@@ -133,8 +133,8 @@ void AppFlightPathTest::samplePathsAreBesideTheChips()
 {
     const QDir folder(text(FLIGHT_PATHS_FOLDER));
     const QStringList names = folder.entryList({text("*.csv")}, QDir::Files, QDir::Name);
-    QCOMPARE(names, (QStringList{text("circle.csv"), text("lissajous.csv"), text("star.csv"),
-                                 text("xy-outline.csv")}));
+    QCOMPARE(names, (QStringList{text("circle.csv"), text("lissajous.csv"), text("spirograph.csv"),
+                                 text("star.csv"), text("xy-outline.csv")}));
     const auto ending = runFile(bench, qPrintable(folder.filePath(text("star.csv"))));
     QVERIFY2(ending.exitCode == 0, qPrintable(ending.complaints.join(QLatin1Char('\n'))));
     QCOMPARE(reached(ending.output).size(), 7);

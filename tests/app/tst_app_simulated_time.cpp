@@ -52,6 +52,9 @@ private slots:
     void otherSeedGivesAnotherRun();
     void tapeGivesTheSameRecordAndPictureAgain();
     void linkWithoutACostTakesAMicrosecond();
+    void manyMovesAreAddedUp();
+    void pathMayBeginInItsMiddle();
+    void pathHasNoPointBehindItsLast();
     void signalEndsARun();
     void realTimeTakesAsLong_data();
     void realTimeTakesAsLong();
@@ -79,6 +82,7 @@ void AppSimulatedTimeTest::sameOptionsGiveTheSameBytes_data()
     QTest::addColumn<int>("exitCode");
     QTest::newRow("built-in run") << "" << 0;
     QTest::newRow("flight path") << "--flight-path path.csv" << 0;
+    QTest::newRow("random moves") << "--random 30 --seed 5 --area -900,-900,900,900" << 0;
     QTest::newRow("lost replies") << "--target 300,200 --fault lose:0.05" << 0;
     QTest::newRow("stale replies") << "--target 300,200 --fault stale" << 1;
     QTest::newRow("events inside requests") << "--target 300,200 --fault spin" << 0;
@@ -136,6 +140,37 @@ void AppSimulatedTimeTest::linkWithoutACostTakesAMicrosecond()
     QCOMPARE(run(text("--target 3,2 --link-cost 0 --tape a.tape")).exitCode, 0);
     const QByteArray tape = contents(bench->filePath(text("a.tape")));
     QVERIFY(tape.contains(" 0.000001000 write 0x12 m0 3 = ok\n"));
+}
+
+void AppSimulatedTimeTest::manyMovesAreAddedUp()
+{
+    const auto ending = run(text("--target 30,20 --target 0,0 --repeat 100"));
+    QVERIFY2(ending.exitCode == 0, qPrintable(ending.complaints.join(QLatin1Char('\n'))));
+    QCOMPARE(ending.output.size(), 8);
+    QVERIFY(ending.output.at(0).startsWith(text("moves 1 to 100: ")));
+    QVERIFY(ending.output.at(1).startsWith(text("moves 101 to 200: ")));
+    QCOMPARE(ending.output.at(2).simplified(), text("200 moves least median largest"));
+    const QStringList lateness = ending.output.at(4).simplified().split(QLatin1Char(' '));
+    QCOMPARE(lateness.mid(0, 4).join(QLatin1Char(' ')), text("end seen late (ms)"));
+    // Two updates of the panel.
+    QVERIFY(lateness.at(4).toDouble() > 0 && lateness.at(6).toDouble() <= 100);
+    QCOMPARE(ending.output.at(7), text("all moves as planned"));
+}
+
+void AppSimulatedTimeTest::pathMayBeginInItsMiddle()
+{
+    const auto ending = run(text("--flight-path path.csv --from 3"));
+    QVERIFY2(ending.exitCode == 0, qPrintable(ending.complaints.join(QLatin1Char('\n'))));
+    QCOMPARE(ending.output.size(), 4);
+    QVERIFY(ending.output.at(0).startsWith(text("point 1 of 2: 120,-80: reached after ")));
+    QVERIFY(ending.output.at(1).startsWith(text("point 2 of 2: 0,0: reached after ")));
+}
+
+void AppSimulatedTimeTest::pathHasNoPointBehindItsLast()
+{
+    const auto ending = run(text("--flight-path path.csv --from 5"));
+    QCOMPARE(ending.exitCode, 2);
+    QCOMPARE(ending.complaints, QStringList{text("workbench: path.csv: has no point 5, only 4")});
 }
 
 void AppSimulatedTimeTest::signalEndsARun()

@@ -18,6 +18,7 @@ namespace {
 
 constexpr int nsPerMicrosecond = 1000;
 constexpr int maximumLinkCostUs = 1000000;
+constexpr int maximumCount = 1000000;
 
 const QCommandLineOption unattendedOption{
     QStringLiteral("unattended"),
@@ -41,6 +42,26 @@ const QCommandLineOption flightPathOption{
     QStringLiteral("In an unattended run load this file into the panel and run it as a flight "
                    "path, instead of the built-in moves and path."),
     QStringLiteral("FILE")};
+const QCommandLineOption fromOption{
+    QStringLiteral("from"),
+    QStringLiteral("Begin the flight path at its point of that number, counted from 1."),
+    QStringLiteral("K")};
+const QCommandLineOption randomOption{
+    QStringLiteral("random"),
+    QStringLiteral("In an unattended run drive this many random moves, which --seed chooses, some "
+                   "of them turned or stopped on the way; 1 to 1000000."),
+    QStringLiteral("N")};
+const QCommandLineOption areaOption{
+    QStringLiteral("area"),
+    QStringLiteral("Two corners that the random moves stay between; -2000,-2000,2000,2000 when not "
+                   "given."),
+    QStringLiteral("X0,Y0,X1,Y1")};
+const QCommandLineOption repeatOption{
+    QStringLiteral("repeat"),
+    QStringLiteral(
+        "Do all that an unattended run is asked for that often, 1 to 1000000. Many moves "
+        "are added up: a line for each hundred, and a table."),
+    QStringLiteral("N")};
 const QCommandLineOption pictureOption{
     QStringLiteral("picture"),
     QStringLiteral("Save a picture of the panel at the end of an unattended run."),
@@ -68,7 +89,8 @@ const QCommandLineOption faultOption{
     QStringLiteral("NAME[:PARAMETER]")};
 const QCommandLineOption seedOption{
     QStringLiteral("seed"),
-    QStringLiteral("Where the chance in faults begins, 0 to 4294967295; 1 when not given. On "
+    QStringLiteral("Where the chance in faults and in random moves begins, 0 to 4294967295; 1 when "
+                   "not given. On "
                    "simulated time it repeats a run exactly; in real time the same requests are "
                    "lost first, but later ones fall on others."),
     QStringLiteral("N")};
@@ -93,16 +115,18 @@ std::optional<int> number(const QString &text, int minimum, int maximum)
     return value;
 }
 
-std::optional<QPoint> point(const QString &text)
+/// "X,Y", as often as `count` says, behind one another; nothing when the text is anything else.
+QVector<QPoint> points(const QString &text, int count)
 {
     const QStringList parts = text.split(QLatin1Char(','));
-    if (parts.size() != axisCount)
-        return std::nullopt;
-    const auto x = number(parts.at(0), minimumPosition, maximumPosition);
-    const auto y = number(parts.at(1), minimumPosition, maximumPosition);
-    if (!x || !y)
-        return std::nullopt;
-    return QPoint(*x, *y);
+    QVector<QPoint> all;
+    for (int i = 0; i + 1 < parts.size(); i += axisCount) {
+        const auto x = number(parts.at(i), minimumPosition, maximumPosition);
+        const auto y = number(parts.at(i + 1), minimumPosition, maximumPosition);
+        if (x && y)
+            all.append({*x, *y});
+    }
+    return parts.size() == count * axisCount && all.size() == count ? all : QVector<QPoint>();
 }
 
 /// Takes the options' values over, one kind after another, until the first problem.
@@ -119,6 +143,7 @@ public:
         readFiles();
         readClock();
         readTargets();
+        readCampaign();
         readLinkCost();
         readFaults();
         checkCombination();
@@ -178,14 +203,50 @@ private:
     {
         const QStringList texts = parser.values(targetOption);
         for (const QString &text : texts) {
-            if (const auto target = point(text))
-                options.targets.append(*target);
-            else
+            const QVector<QPoint> target = points(text, 1);
+            options.targets += target;
+            if (target.isEmpty())
                 fail(QStringLiteral("--target: \"%1\" is not X,Y with whole numbers from %2 to %3")
                          .arg(text)
                          .arg(minimumPosition)
                          .arg(maximumPosition));
         }
+    }
+
+    /// The option's whole number from 1 on, or `whenNotGiven`.
+    int count(const QCommandLineOption &option, int whenNotGiven)
+    {
+        if (!parser.isSet(option))
+            return whenNotGiven;
+        const QString text = parser.value(option);
+        const auto value = number(text, 1, maximumCount);
+        if (!value)
+            fail(QStringLiteral("--%1: \"%2\" is not a whole number from 1 to %3")
+                     .arg(option.names().constFirst(), text)
+                     .arg(maximumCount));
+        return value.value_or(whenNotGiven);
+    }
+
+    void readCampaign()
+    {
+        options.firstPoint = count(fromOption, 1);
+        options.randomMoves = count(randomOption, 0);
+        options.repetitions = count(repeatOption, 1);
+        if (!parser.isSet(areaOption))
+            return;
+        const QVector<QPoint> corners = points(parser.value(areaOption), 2);
+        if (corners.isEmpty()) {
+            fail(
+                QStringLiteral("--area: \"%1\" is not X0,Y0,X1,Y1 with whole numbers from %2 to %3")
+                    .arg(parser.value(areaOption))
+                    .arg(minimumPosition)
+                    .arg(maximumPosition));
+            return;
+        }
+        const QPoint one = corners.at(0);
+        const QPoint other = corners.at(1);
+        options.area.low = {qMin(one.x(), other.x()), qMin(one.y(), other.y())};
+        options.area.high = {qMax(one.x(), other.x()), qMax(one.y(), other.y())};
     }
 
     void readLinkCost()
@@ -227,7 +288,8 @@ private:
     {
         options.isUnattended = parser.isSet(unattendedOption);
         for (const QCommandLineOption &option :
-             {pictureOption, recordOption, targetOption, flightPathOption, clockOption}) {
+             {pictureOption, recordOption, targetOption, flightPathOption, clockOption, fromOption,
+              randomOption, areaOption, repeatOption}) {
             if (parser.isSet(option) && !options.isUnattended)
                 fail(QStringLiteral("--%1 goes with --unattended only")
                          .arg(option.names().constFirst()));
@@ -237,6 +299,13 @@ private:
             fail(QStringLiteral("--replay and --link-cost do not go together"));
         if (parser.isSet(targetOption) && parser.isSet(flightPathOption))
             fail(QStringLiteral("--flight-path and --target do not go together"));
+        if (parser.isSet(randomOption) &&
+            (parser.isSet(targetOption) || parser.isSet(flightPathOption)))
+            fail(QStringLiteral("--random goes with neither --target nor --flight-path"));
+        if (parser.isSet(areaOption) && !parser.isSet(randomOption))
+            fail(QStringLiteral("--area goes with --random only"));
+        if (parser.isSet(fromOption) && !parser.isSet(flightPathOption))
+            fail(QStringLiteral("--from goes with --flight-path only"));
         const QStringList extra = parser.positionalArguments();
         if (!extra.isEmpty())
             fail(QStringLiteral("\"%1\" is not an option").arg(extra.constFirst()));
@@ -256,9 +325,10 @@ CommandLine parseCommandLine(const QStringList &arguments)
         QStringLiteral("A desk for trying motion-control tools on a simulated dual-axis module."));
     const auto help = parser.addHelpOption();
     const auto version = parser.addVersionOption();
-    parser.addOptions({unattendedOption, clockOption, targetOption, flightPathOption, pictureOption,
-                       recordOption, linkCostOption, chipOption, pluginsOption, faultOption,
-                       seedOption, tapeOption, replayOption});
+    parser.addOptions({unattendedOption, clockOption, targetOption, flightPathOption, fromOption,
+                       randomOption, areaOption, repeatOption, pictureOption, recordOption,
+                       linkCostOption, chipOption, pluginsOption, faultOption, seedOption,
+                       tapeOption, replayOption});
 
     if (!parser.parse(arguments))
         return {CommandLine::Refuse, {}, parser.errorText().simplified()};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FaultyLink.h"
+#include "RandomMoves.h"
 #include "Tape.h"
 
 #include <QPoint>
@@ -19,6 +20,10 @@ struct Options
     QString recordFile;
     QVector<QPoint> targets; ///< position units, each within signed 24 bits
     QString flightPathFile;  ///< excludes targets
+    int firstPoint = 1;      ///< of the flight path, counted from 1
+    int randomMoves = 0;     ///< excludes targets and a flight path; 0 for none
+    MoveArea area;           ///< of the random moves
+    int repetitions = 1;     ///< of all that is asked for
     qint64 linkCostNs = 0;   ///< how long each request blocks
     QString chipFile;
     QString pluginsFolder;

@@ -33,10 +33,27 @@ QString FlightRun::carryOut(const QVector<QPoint> &points)
 {
     const QString problem = drive(points);
     if (problem.isEmpty())
-        stage.output.line(wording::flightDone(progress));
+        tell();
     else
         stage.haltAxes();
     return problem.isEmpty() ? problem : wording::flightFailed(problem);
+}
+
+void FlightRun::tell()
+{
+    if (!stage.tally) {
+        stage.output.line(wording::flightDone(progress));
+        return;
+    }
+    constexpr double nsPerMs = 1e6;
+    MoveFigures figures;
+    figures.durationS = progress.secondsTo(progress.pointCount() - 1);
+    figures.latenessMs = static_cast<double>(endNs - stage.restSinceNs()) / nsPerMs;
+    figures.deviationUnits = progress.largestDeviation();
+    figures.samples = progress.sampleCount();
+    stage.tally->add(figures);
+    if (stage.tally->isLineDue())
+        stage.output.line(stage.tally->line());
 }
 
 QString FlightRun::drive(const QVector<QPoint> &points)
@@ -44,9 +61,10 @@ QString FlightRun::drive(const QVector<QPoint> &points)
     QString problem = begin(points);
     for (int index = 0; problem.isEmpty() && index < points.size(); ++index) {
         problem = waitForPoint(index);
-        if (problem.isEmpty())
+        if (problem.isEmpty() && !stage.tally)
             stage.output.line(wording::pointReached(progress, index));
     }
+    endNs = stage.module.clock().now();
     return problem.isEmpty() ? checkEnd() : problem;
 }
 

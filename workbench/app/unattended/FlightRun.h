@@ -25,6 +25,7 @@ public:
     QString carryOut(const QVector<QPoint> &points);
 
 private:
+    void tell();
     QString drive(const QVector<QPoint> &points);
     QString begin(const QVector<QPoint> &points);
     QString waitForPoint(int index);
@@ -35,6 +36,7 @@ private:
 
     RunStage &stage;
     FlightProgress progress;
+    qint64 endNs = 0;
 };
 
 } // namespace workbench

@@ -32,6 +32,18 @@ double samplesPerSecond(const MoveResult &move)
     return span > 0 ? (move.samples.size() - 1) * nsPerSecond / static_cast<double>(span) : 0;
 }
 
+MoveFigures figuresOf(const MoveResult &move)
+{
+    constexpr double nsPerMs = 1e6;
+    MoveFigures figures;
+    figures.durationS = durationSeconds(move);
+    figures.latenessMs = static_cast<double>(move.endNs - move.restNs) / nsPerMs;
+    if (move.planned.kind != ScriptedMove::Turned)
+        figures.deviationUnits = largestDeviation(move);
+    figures.samples = move.samples.size();
+    return figures;
+}
+
 double largestDeviation(const MoveResult &move)
 {
     switch (move.planned.kind) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "MoveTally.h"
 #include "SampleTap.h"
 #include "ScriptedMove.h"
 
@@ -18,6 +19,8 @@ struct MoveResult
     QPoint halt;      ///< where they stopped
     int stopSample{}; ///< for Stopped: how many samples came before the button was pressed
     qint64 startNs = 0;
+    qint64 restNs = 0; ///< when the axes came to rest, as far as the samples tell
+    qint64 endNs = 0;  ///< when the panel had found the end
     QVector<Sample> samples;
 };
 
@@ -26,6 +29,8 @@ double durationSeconds(const MoveResult &move);
 
 /// 0 for less than two samples.
 double samplesPerSecond(const MoveResult &move);
+
+MoveFigures figuresOf(const MoveResult &move);
 
 /// The largest distance in position units from the way that the axes were to take: a line, two
 /// lines for a turned move, and for a stopped one the line until the button was pressed.

@@ -38,9 +38,20 @@ QString MoveRun::carryOut(const QVector<ScriptedMove> &moves)
             stage.haltAxes();
             return wording::moveFailed(number, problem);
         }
-        stage.output.line(wording::moveDone(number, move));
+        tell();
     }
     return QString();
+}
+
+void MoveRun::tell()
+{
+    if (!stage.tally) {
+        stage.output.line(wording::moveDone(number, move));
+        return;
+    }
+    stage.tally->add(figuresOf(move));
+    if (stage.tally->isLineDue())
+        stage.output.line(stage.tally->line());
 }
 
 QString MoveRun::carryOut(const ScriptedMove &planned)
@@ -76,6 +87,7 @@ QString MoveRun::pickAndStart(const ScriptedMove &planned)
         widened(stage.panel.view(), {move.start, move.picked}, stage.panel.widestView()));
     move.startNs = stage.module.clock().now();
     move.samples.clear();
+    stage.forgetRest();
     if (!stage.panel.pressStart())
         return wording::startDisabled;
     return stage.panel.isMoving() ? QString() : wording::startWithoutEffect;
@@ -133,6 +145,8 @@ QString MoveRun::waitForEnd()
 {
     QString problem = stage.waitFor([this] { return !stage.panel.isMoving(); }, stage.timeoutMs(),
                                     wording::noEnd);
+    move.endNs = stage.module.clock().now();
+    move.restNs = stage.restSinceNs();
     move.halt = stage.axes.position();
     if (problem == wording::noEnd)
         problem += wording::axesAt(move.halt);

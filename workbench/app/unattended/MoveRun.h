@@ -21,6 +21,7 @@ public:
 
 private:
     QString carryOut(const ScriptedMove &planned);
+    void tell();
     QString pickAndStart(const ScriptedMove &planned);
     QString prepareView(const ScriptedMove &planned);
     QString turn();

@@ -1,6 +1,5 @@
 #include "RunStage.h"
 
-#include "SimulatedModule.h"
 #include "TapeLink.h"
 #include "Wording.h"
 
@@ -144,6 +143,11 @@ qint64 RunStage::timeoutMs() const
 void RunStage::take(const Sample &sample)
 {
     record.append(sample);
+    // What a tape has of it would have to be looked for each time.
+    if (tape || !axes.areAtRest())
+        restSince.reset();
+    else if (!restSince)
+        restSince = sample.timeNs;
     if (onSample)
         onSample(sample);
 }

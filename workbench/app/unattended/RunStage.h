@@ -3,17 +3,19 @@
 #include "AxesState.h"
 #include "Clock.h"
 #include "EventWait.h"
+#include "MoveTally.h"
 #include "PanelDriver.h"
 #include "RecordWriter.h"
 #include "ReplayWatch.h"
 #include "RunOutput.h"
+#include "SimulatedModule.h"
 
 #include <functional>
+#include <optional>
 
 namespace workbench {
 
 class SampleTap;
-class SimulatedModule;
 class TapeLink;
 
 /// What is done in mid-move.
@@ -47,6 +49,8 @@ public:
 
     /// Each sample, once it is on record; empty when nobody is interested.
     std::function<void(const Sample &)> onSample;
+    /// Set for many moves: they are added up instead of being told one by one.
+    MoveTally *tally = nullptr;
     /// What to show as progress; empty to show nothing.
     std::function<QString()> progressText;
 
@@ -66,6 +70,12 @@ public:
     /// True at the moment to do something in mid-move: at `distance` from `start`, or where the
     /// tape waits for it.
     bool isTimeToStepIn(const QPoint &start, double distance, StepIn what) const;
+
+    /// The time of the first sample since which the axes stand still; now, when they do not or when
+    /// that is not known of a tape.
+    qint64 restSinceNs() const { return restSince.value_or(module.clock().now()); }
+    /// Looks for the next rest.
+    void forgetRest() { restSince.reset(); }
 
     /// Stops the axes through the panel, also after an interruption. There are none to stop on a
     /// tape.
@@ -88,6 +98,7 @@ private:
     RecordWriter &record;
     EventWait wait;
     Stopwatch sinceProgress;
+    std::optional<qint64> restSince;
 };
 
 } // namespace workbench

@@ -48,11 +48,15 @@ QString runMoves(RunStage &stage, const QVector<ScriptedMove> &moves)
 /// stands alone in the chart, and along that path.
 Complaint runParts(const Options &options, RunStage &stage)
 {
+    if (options.randomMoves > 0)
+        return failure(
+            runMoves(stage, randomMoves(options.randomMoves, options.seed, options.area)));
     if (!options.targets.isEmpty())
         return failure(runMoves(stage, movesTo(options.targets)));
     QVector<QPointF> path;
-    const Complaint problem = prepareFlightPath(options.flightPathFile, stage.panel,
-                                                stage.module.clock(), stage.output, &path);
+    const Complaint problem =
+        prepareFlightPath(options.flightPathFile, stage.panel, options.firstPoint,
+                          stage.module.clock(), stage.output, &path);
     if (!problem.text.isEmpty())
         return problem;
     const QVector<QPoint> points = drivenPoints(path);
@@ -70,7 +74,26 @@ Complaint runInterruptibly(const Options &options, RunStage &stage, const StopSi
     const auto interrupt = [&stage] { stage.interrupt(); };
     QObject::connect(&stopSignal, &StopSignal::stopRequested, &listener, interrupt);
     QObject::connect(qApp, &QGuiApplication::lastWindowClosed, &listener, interrupt);
-    return runParts(options, stage);
+    Complaint problem;
+    for (int i = 0; i < options.repetitions && problem.text.isEmpty(); ++i)
+        problem = runParts(options, stage);
+    return problem;
+}
+
+/// As a campaign when there are many moves.
+Complaint runAndTally(const Options &options, RunStage &stage, const StopSignal &stopSignal)
+{
+    MoveTally tally;
+    const bool isCampaign = options.randomMoves > 0 || options.repetitions > 1;
+    stage.tally = isCampaign ? &tally : nullptr;
+    const Complaint problem = runInterruptibly(options, stage, stopSignal);
+    stage.tally = nullptr;
+    if (tally.count() > 0) {
+        const QStringList table = tally.table();
+        for (const QString &line : table)
+            stage.output.line(line);
+    }
+    return problem;
 }
 
 /// Returns an empty text, or what could not be written.
@@ -103,7 +126,7 @@ Complaint runAndReport(const Options &options, Workbench &workbench, const StopS
     RunOutput output;
     RunStage stage(workbench.module(), workbench.tape(), workbench.sampleTap(), panel, record,
                    output, options.isTimeSimulated);
-    Complaint problem = runInterruptibly(options, stage, stopSignal);
+    Complaint problem = runAndTally(options, stage, stopSignal);
     if (problem.text.isEmpty())
         problem = failure(stage.replay.problemAtEnd());
     if (!problem.text.isEmpty())

@@ -163,6 +163,11 @@ QString wording::ofFile(const QString &fileName, const QString &remark)
     return QStringLiteral("%1: %2").arg(fileName, remark);
 }
 
+QString wording::noSuchPoint(int number, int pointCount)
+{
+    return QStringLiteral("has no point %1, only %2").arg(number).arg(pointCount);
+}
+
 QString wording::pointOutOfRange(int number, const QPointF &point)
 {
     return QStringLiteral("point %1 at %2 is out of the chip's range, %3 to %4")

@@ -71,6 +71,7 @@ constexpr QLatin1String
                            ".txt file without a quotation mark in its name");
 constexpr QLatin1String noFlightPath("the panel has no flight path");
 constexpr QLatin1String noPoint("holds no point");
+QString noSuchPoint(int number, int pointCount);
 /// `number` counts from 1.
 QString pointOutOfRange(int number, const QPointF &point);
 /// `count` of `total` points have fractions; `first` is one of them, driven to as `driven`.
