@@ -20,7 +20,7 @@ void HostModule::setProduct(unsigned char motor, std::shared_ptr<XmlProductIC> p
 {
     auto *const state = QVXLModuleInterfacePrivate::of(this);
     state->everyProduct.append(product);
-    state->products.insert(motor, std::move(product));
+    state->products.insert(motor, product);
 }
 
 void HostModule::setLink(ModuleLink *link)

@@ -37,7 +37,7 @@ struct Tape
 };
 
 /// Larger files are neither written nor read, nor are longer lines.
-constexpr qint64 maximumTapeSize = 64 * 1024 * 1024;
+constexpr qint64 maximumTapeSize = qint64(64) * 1024 * 1024;
 constexpr int maximumTapeLine = 256;
 
 /// The lines of a tape file as readTape() explains them, without their ends.

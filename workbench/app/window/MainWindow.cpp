@@ -87,7 +87,7 @@ void MainWindow::addMenus()
 {
     QMenu *const file = menuBar()->addMenu(tr("&File"));
     QAction *const quit = file->addAction(tr("&Quit"), this, &QWidget::close);
-    quit->setShortcut(QKeySequence(Qt::CTRL + Qt::Key_Q));
+    quit->setShortcut(QKeySequence(int(Qt::CTRL) | Qt::Key_Q));
     addViewMenu();
     helpMenu = menuBar()->addMenu(tr("&Help"));
     helpMenu->addAction(tr("&About Workbench"), this, &MainWindow::showAbout);

@@ -50,7 +50,7 @@ void ModuleStatus::update()
     motion->setText(areAtRest ? tr("Axes standing still") : tr("Axes moving"));
     samples->setText(tr("%1 samples/s").arg(wholeNumber(rates.samplesPerSecond())));
     requests->setText(tr("%1 requests/s").arg(wholeNumber(rates.requestsPerSecond())));
-    const double costNs = static_cast<double>(module.link().requestCostNs());
+    const auto costNs = static_cast<double>(module.link().requestCostNs());
     cost->setText(tr("%1 µs per request").arg(wholeNumber(costNs / nsPerMicrosecond)));
     if (tape)
         updateReplay();
