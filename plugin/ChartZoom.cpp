@@ -74,7 +74,7 @@ void SynchronisedDriveTool::redrawTrace(const Accepts &isInRange)
 /// no turn at all counts as zooming in. Neither is to be mended: the host's users know both.
 void SynchronisedDriveTool::wheelEvent(QWheelEvent *ev)
 {
-    if (!isComplete() || QGuiApplication::keyboardModifiers() != Qt::ControlModifier)
+    if (!isComplete() || !ev || QGuiApplication::keyboardModifiers() != Qt::ControlModifier)
         return;
     const WheelTurn turn = turnOf(ev);
     const QPointer<QPushButton> button(turn.delta < 0 ? ui->btnZoomOut : ui->btnZoomIn);

@@ -60,6 +60,9 @@ void SynchronisedDriveTool::initFlightPath()
 void SynchronisedDriveTool::runFlightPath(const QAction *action)
 {
     logAction(action->text());
+    if (begun.stopsWithoutStart > 0)
+        return;
+    ++begun.starts;
     if (flightPath.isEmpty())
         initFlightPath();
     ui->pbStart->setProperty(drive::property::RunFlightPath, 0);

@@ -29,8 +29,8 @@ public:
 
     bool isToolGone() const { return !tool; }
     /// Stop was pressed since the operation's head.
-    bool isStopped() const { return tool && tool->begun.stops != before.stops; }
-    /// The tool is gone, or something else was begun since the operation's head.
+    bool wasStopPressed() const { return tool && tool->begun.stops != before.stops; }
+    /// The tool is gone, or was started, stopped, hidden, picked at or ticked since the head.
     bool isOvertaken() const { return !tool || tool->begun != before; }
     /// While on, nothing is written once stop was pressed.
     void obeyStop(bool on) { obeysStop = on; }
@@ -77,7 +77,7 @@ public:
 
 private:
     QVXLModuleInterface *module() const { return tool ? tool->module() : nullptr; }
-    bool mayWrite() const { return module() && !(obeysStop && isStopped()); }
+    bool mayWrite() const { return module() && !(obeysStop && wasStopPressed()); }
 
     const QPointer<Tool> tool;
     const Begun before;

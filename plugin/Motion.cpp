@@ -8,7 +8,8 @@
 
 namespace {
 
-/// Stops in a row for starts that come in the middle of them: a host may press start without end.
+/// Stops in a row for starts that come in the middle of them. A host may press start without end,
+/// so that the last one lets none begin.
 constexpr int mostStops = 3;
 
 QPointF lastPoint(const QtCharts::QXYSeries *series)
@@ -34,13 +35,14 @@ QPointF SynchronisedDriveTool::actual() const
     return lastPoint(actualSeries);
 }
 
-/// Moves the marker; the next update tick writes the target to the chip. `outer` says in which
+/// Moves the marker; the next update tick writes the target to the requests. `outer` says in which
 /// directions a drag pushes past the edge of the plot area, y downward.
 void SynchronisedDriveTool::setTargetPosition(QPointF point, QPoint outer)
 {
     if (!isComplete())
         return;
     if (drive::isFinite(point) && !drive::samePoint(point, target())) {
+        ++begun.picks;
         targetSeries->replace(0, point);
         targetSeries->setProperty(drive::property::NewTarget, true);
     }
@@ -65,34 +67,34 @@ void SynchronisedDriveTool::pushLimits(QPoint outer)
 
 void SynchronisedDriveTool::on_pbStart_clicked()
 {
-    if (!isComplete())
+    if (!isComplete() || begun.stopsWithoutStart > 0)
         return;
     ++begun.starts;
     updateTimer.start(drive::movingUpdatePeriodMs, Qt::PreciseTimer, this);
 
-    ModuleRequests chip(this, motorByte());
-    const int m0Vmax = chip.read(&Tool::m0VmaxRegister);
-    const int m1Vmax = chip.read(&Tool::m1VmaxRegister);
-    chip.obeyStop(true);
-    chip.write(&Tool::m0VmaxRegister, 0);
-    chip.write(&Tool::m1VmaxRegister, 0);
-    chip.write(&Tool::rampModeRegister, drive::rampModePositioning);
+    ModuleRequests requests(this, motorByte());
+    const int m0Vmax = requests.read(&Tool::m0VmaxRegister);
+    const int m1Vmax = requests.read(&Tool::m1VmaxRegister);
+    requests.obeyStop(true);
+    requests.write(&Tool::m0VmaxRegister, 0);
+    requests.write(&Tool::m1VmaxRegister, 0);
+    requests.write(&Tool::rampModeRegister, drive::rampModePositioning);
     // Axis 1's target goes out before the change of the mode and again behind it. Keep both.
-    chip.writeField(&Tool::m1XtargetWidget, chip.target().y());
-    chip.write(&Tool::rampModeRegister, drive::rampModeSynchronised);
-    chip.writeField(&Tool::m0XtargetWidget, chip.target().x());
-    chip.writeField(&Tool::m1XtargetWidget, chip.target().y());
-    chip.obeyStop(false);
-    chip.write(&Tool::m0VmaxRegister, m0Vmax);
-    chip.write(&Tool::m1VmaxRegister, m1Vmax);
-    if (chip.isToolGone())
+    requests.writeField(&Tool::m1XtargetWidget, requests.target().y());
+    requests.write(&Tool::rampModeRegister, drive::rampModeSynchronised);
+    requests.writeField(&Tool::m0XtargetWidget, requests.target().x());
+    requests.writeField(&Tool::m1XtargetWidget, requests.target().y());
+    requests.obeyStop(false);
+    requests.write(&Tool::m0VmaxRegister, m0Vmax);
+    requests.write(&Tool::m1VmaxRegister, m1Vmax);
+    if (requests.isToolGone())
         return;
 
     ui->pbStart->setEnabled(false);
     pendingSamples = {actual()};
     sampleTimer.start(drive::samplePeriodMs, Qt::PreciseTimer, this);
-    // The request in whose middle stop was pressed reached the module behind the stop's own.
-    if (chip.isStopped())
+    // The request in whose middle stop was pressed may have reached the module behind the stop's.
+    if (requests.wasStopPressed())
         on_pbStop_clicked();
 }
 
@@ -104,10 +106,15 @@ void SynchronisedDriveTool::on_pbStop_clicked()
     if (!isComplete())
         return;
     const QPointer<SynchronisedDriveTool> self(this);
-    for (int i = 0; i < mostStops; ++i) {
+    for (int i = 1; i <= mostStops; ++i) {
+        const int isLast = i == mostStops ? 1 : 0;
         const unsigned int starts = begun.starts;
+        begun.stopsWithoutStart += isLast;
         stop();
-        if (!self || begun.starts == starts)
+        if (!self)
+            return;
+        begun.stopsWithoutStart -= isLast;
+        if (begun.starts == starts)
             return;
     }
 }
@@ -116,13 +123,13 @@ void SynchronisedDriveTool::stop()
 {
     ++begun.stops;
     endFlightPath();
-    ModuleRequests chip(this, motorByte());
+    ModuleRequests requests(this, motorByte());
     const QPointF here = actual();
     setTargetPosition(here, QPoint(0, 0));
-    chip.writeField(&Tool::m0XtargetWidget, here.x());
-    chip.writeField(&Tool::m1XtargetWidget, here.y());
-    chip.write(&Tool::rampModeRegister, drive::rampModePositioning);
-    if (!chip.isToolGone())
+    requests.writeField(&Tool::m0XtargetWidget, here.x());
+    requests.writeField(&Tool::m1XtargetWidget, here.y());
+    requests.write(&Tool::rampModeRegister, drive::rampModePositioning);
+    if (!requests.isToolGone())
         endFlightPath();
 }
 

@@ -55,14 +55,14 @@ void SynchronisedDriveTool::sampleTick(bool isMoving)
 {
     if (!module())
         return;
-    ModuleRequests chip(this, motorByte());
+    ModuleRequests requests(this, motorByte());
     drive::PositionReply reply{readPositionsRequest[2], readPositionsRequest[1],
                                readPositionsRequest[0], 0};
-    chip.setCircularMode(true);
+    requests.setCircularMode(true);
     reply.value = static_cast<unsigned int>(
-        chip.userFunction(&reply.high, &reply.middle, readPositionsFunction));
-    chip.setCircularMode(false);
-    if (chip.isToolGone())
+        requests.userFunction(&reply.high, &reply.middle, readPositionsFunction));
+    requests.setCircularMode(false);
+    if (requests.isToolGone())
         return;
 
     const QPointF position = drive::decodePositions(reply);
@@ -83,41 +83,42 @@ void SynchronisedDriveTool::sampleTick(bool isMoving)
 
 void SynchronisedDriveTool::updateTick()
 {
-    const QPointer<SynchronisedDriveTool> self(this);
     const TraceChange change(trace());
     ++begun.updateTicks;
-    writeNewTarget();
-    if (!self)
+    // Velocities are read for motor 0, whichever motor the tool serves: not to be replaced by the
+    // tool's own.
+    ModuleRequests requests(this, 0);
+    writeNewTarget(requests);
+    if (requests.isToolGone())
         return;
     if (pendingSamples.size() > 1)
-        drawSamples();
+        drawSamples(requests);
     else if (!ui->pbStart->isEnabledTo(this))
-        checkEndOfMove();
-    if (self)
+        checkEndOfMove(requests);
+    if (!requests.isToolGone())
         trimTrace();
 }
 
-void SynchronisedDriveTool::writeNewTarget()
+void SynchronisedDriveTool::writeNewTarget(ModuleRequests &requests)
 {
     if (!targetSeries->property(drive::property::NewTarget).toBool())
         return;
-    ModuleRequests chip(this, motorByte());
-    const QPointF written = target();
     setSignalsBlocked(m0XtargetWidget, true);
     setSignalsBlocked(m1XtargetWidget, true);
-    chip.setAndUpdate(&Tool::m0XtargetWidget, chip.target().x());
-    chip.setAndUpdate(&Tool::m1XtargetWidget, chip.target().y());
-    if (chip.isToolGone())
+    requests.setAndUpdate(&Tool::m0XtargetWidget, requests.target().x());
+    requests.setAndUpdate(&Tool::m1XtargetWidget, requests.target().y());
+    if (requests.isToolGone())
         return;
     setSignalsBlocked(m0XtargetWidget, false);
     setSignalsBlocked(m1XtargetWidget, false);
-    // A target picked while the host waited for the module goes out with the next tick.
-    if (drive::samePoint(target(), written))
+    // What came while the host waited for the module may have changed the target, which then goes
+    // out with the next tick.
+    if (!requests.isOvertaken())
         targetSeries->setProperty(drive::property::NewTarget, false);
 }
 
 /// Draws what was sampled since the last time.
-void SynchronisedDriveTool::drawSamples()
+void SynchronisedDriveTool::drawSamples(ModuleRequests &requests)
 {
     const QPointF newest = pendingSamples.constLast();
     pendingSamples.removeFirst();
@@ -125,10 +126,9 @@ void SynchronisedDriveTool::drawSamples()
     actualSeries->replace(0, newest);
     pendingSamples = {actual()};
 
-    ModuleRequests chip(this, motorByte());
-    chip.setAndUpdate(&Tool::m0XactualWidget, newest.x());
-    chip.setAndUpdate(&Tool::m1XactualWidget, newest.y());
-    if (chip.isToolGone())
+    requests.setAndUpdate(&Tool::m0XactualWidget, newest.x());
+    requests.setAndUpdate(&Tool::m1XactualWidget, newest.y());
+    if (requests.isToolGone())
         return;
     keepInView(horizontal(), newest.x());
     keepInView(vertical(), newest.y());
@@ -170,15 +170,13 @@ void SynchronisedDriveTool::keepInView(const Limits &limits, double position)
 
 /// A move has ended when nothing new was sampled since the last tick and both axes stand still. A
 /// tool without a chip has no velocities to wait for.
-void SynchronisedDriveTool::checkEndOfMove()
+void SynchronisedDriveTool::checkEndOfMove(ModuleRequests &requests)
 {
     const int preset = icProduct ? unknownVelocity : 0;
-    // Motor 0, whichever motor the tool serves: not to be replaced by the tool's own.
-    ModuleRequests chip(this, 0);
-    const int m0Velocity = chip.read(&Tool::m0VactualRegister, preset);
-    const int m1Velocity = chip.read(&Tool::m1VactualRegister, preset);
+    const int m0Velocity = requests.read(&Tool::m0VactualRegister, preset);
+    const int m1Velocity = requests.read(&Tool::m1VactualRegister, preset);
     // What came in the middle has made the velocities old; a later tick looks again.
-    if (chip.isOvertaken())
+    if (requests.isOvertaken())
         return;
     // While the host has the whole tool disabled a flight path could not go on, so nothing ends.
     const bool hasEnded = m0Velocity == 0 && m1Velocity == 0 && isEnabled();

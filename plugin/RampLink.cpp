@@ -42,8 +42,8 @@ void SynchronisedDriveTool::setRampLink()
 {
     if (++begun.rampChecks > 1)
         return;
-    ModuleRequests chip(this, motorByte());
-    const auto read = [&chip](const QString &name) { return chip.read(name); };
+    ModuleRequests requests(this, motorByte());
+    const auto read = [&requests](const QString &name) { return requests.read(name); };
     QStringList m0Zeros;
     QStringList m1Zeros;
     unsigned int asked = 0;
@@ -51,13 +51,13 @@ void SynchronisedDriveTool::setRampLink()
         asked = begun.rampChecks;
         m0Zeros.clear();
         m1Zeros.clear();
-        if (chip.read(&Tool::m0VmaxRegister) == 0)
+        if (requests.read(&Tool::m0VmaxRegister) == 0)
             m0Zeros << QStringLiteral("M0_VMAX");
-        if (chip.read(&Tool::m1VmaxRegister) == 0)
+        if (requests.read(&Tool::m1VmaxRegister) == 0)
             m1Zeros << QStringLiteral("M1_VMAX");
         listZeroRampSettings(QStringLiteral("M0_"), m0Zeros, read);
         listZeroRampSettings(QStringLiteral("M1_"), m1Zeros, read);
-        if (chip.isToolGone())
+        if (requests.isToolGone())
             return;
     }
     begun.rampChecks = 0;

@@ -31,10 +31,11 @@ XmlValueRegister *registerBehind(XmlRegisterWidget *widget)
     return field ? field->getRegister() : nullptr;
 }
 
-/// The tool, unless it is being destroyed: while its children die it is no longer of this class.
-SynchronisedDriveTool *complete(QObject *tool)
+/// The tool, unless it is gone or being destroyed: while its children die a guard still holds it,
+/// but what it holds is no longer of this class.
+SynchronisedDriveTool *complete(const QPointer<QObject> &tool)
 {
-    return qobject_cast<SynchronisedDriveTool *>(tool);
+    return qobject_cast<SynchronisedDriveTool *>(tool.data());
 }
 
 } // namespace
@@ -85,7 +86,7 @@ void SynchronisedDriveTool::bindFields(XmlRegisterWidgetContainer *container)
     };
     const auto follow = [this](XmlRegisterWidget *row, int axis) {
         connect(row, &XmlRegisterWidget::valueChanged,
-                [self = static_cast<QObject *>(this), axis](int value) {
+                [self = QPointer<QObject>(this), axis](int value) {
                     if (Tool *tool = complete(self))
                         tool->targetWidgetChanged(axis, value);
                 });
@@ -140,7 +141,7 @@ void SynchronisedDriveTool::watchWrites()
 {
     connect(
         module(), &QVXLModuleInterface::registerOutputBufferHasWritten, this,
-        [self = static_cast<QObject *>(this)](unsigned short address) {
+        [self = QPointer<QObject>(this)](unsigned short address) {
             if (Tool *tool = complete(self))
                 tool->registerWritten(address);
         },

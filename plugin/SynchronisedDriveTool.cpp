@@ -82,8 +82,8 @@ void SynchronisedDriveTool::hidePlugin()
 
 bool SynchronisedDriveTool::Begun::operator!=(const Begun &other) const
 {
-    return starts != other.starts || stops != other.stops || updateTicks != other.updateTicks ||
-           hides != other.hides;
+    return starts != other.starts || stops != other.stops || picks != other.picks ||
+           updateTicks != other.updateTicks || hides != other.hides;
 }
 
 /// A prototype never is, and a tool not before it has its series: what the host calls then would

@@ -32,9 +32,9 @@ class QValueAxis;
 /// tool, complete from its construction and idle until the host shows it.
 ///
 /// A host may delete a working tool from its event loop, and wherever the tool hands control to it:
-/// in a request to the module, a device-tree operation, a dialog. When start and stop are pressed
-/// inside each other's requests, stop wins: a start that was pressed in the middle of a stop is
-/// stopped again.
+/// in a request to the module or a row, a device-tree operation, a dialog, a click, a pick. When
+/// start and stop are pressed inside each other's requests, stop wins: a start that was pressed in
+/// the middle of a stop is stopped again.
 class SynchronisedDriveTool : public ToolsInterface
 {
     Q_OBJECT
@@ -82,11 +82,13 @@ private:
     {
         unsigned int starts = 0;
         unsigned int stops = 0;
+        unsigned int picks = 0;
         unsigned int updateTicks = 0;
         unsigned int hides = 0;
         unsigned int rampChecks = 0; ///< Since the one under way; 0 when there is none.
+        int stopsWithoutStart = 0;   ///< Under way, in whose middle no start begins.
 
-        /// But for ramp checks, which change nothing.
+        /// Looks at the first five, which change what the axes do or what is known of it.
         bool operator!=(const Begun &other) const;
     };
 
@@ -152,11 +154,11 @@ private:
     // The polling cycle.
     void sampleTick(bool isMoving);
     void updateTick();
-    void writeNewTarget();
-    void drawSamples();
+    void writeNewTarget(ModuleRequests &requests);
+    void drawSamples(ModuleRequests &requests);
     void appendToTrace(const QVector<QPointF> &points);
     void keepInView(const Limits &limits, double position);
-    void checkEndOfMove();
+    void checkEndOfMove(ModuleRequests &requests);
     void runNextFlightPathPoint();
     void trimTrace();
 

@@ -70,6 +70,14 @@ private slots:
     void manyWritesWithinACheckMakeOneMore();
     void checkWorksAgainAfterNestedOnes();
     void startsWithoutEndDoNotKeepAStopFromEnding();
+    void startBehindEachLastWriteOfAStopLosesToIt();
+    void stopInAnyRequestOfAStartLeavesTheVelocities_data();
+    void stopInAnyRequestOfAStartLeavesTheVelocities();
+    void hideInTheWriteOfATargetKeepsTheMove();
+    void startInTheWriteOfATargetIsNotEndedWithIt();
+    void targetPickedAwayAndBackWhileItIsWrittenGoesOutWhole();
+    void whatComesWhileVelocitiesAreReadKeepsTheMove_data();
+    void whatComesWhileVelocitiesAreReadKeepsTheMove();
     void anotherChipIsNotFollowed();
     void moduleThatGoesFirstIsNotUsed();
     void callsWhileTheToolIsBeingMadeAreSurvived_data();
@@ -192,7 +200,8 @@ void ToolNestedTest::stopHasTheLastWordOnAStartWithinIt()
     QCOMPARE(bench.target()->at(0), QPointF(0, 0));
 }
 
-/// Each of the stop's requests has a start in its middle; the stop has the last word all the same.
+/// Each of the stop's requests has a start in its middle. Twice the stop is carried out again; then
+/// no start begins any more.
 void ToolNestedTest::startsWithoutEndDoNotKeepAStopFromEnding()
 {
     PollBench bench;
@@ -209,9 +218,137 @@ void ToolNestedTest::startsWithoutEndDoNotKeepAStopFromEnding()
     bench.call("on_pbStop_clicked");
     bench.link.onRequest = nullptr;
     const QStringList writes = bench.takeWrites();
-    QCOMPARE(writes.filter(QStringLiteral("RAMPMODE m0 768")).size(), 3 * 3);
+    QCOMPARE(writes.filter(QStringLiteral("RAMPMODE m0 768")).size(), 2 * 3);
     QCOMPARE(bench.registerValue(QStringLiteral("RAMPMODE")), 0);
+    QCOMPARE(bench.registerValue(QStringLiteral("M0_XTARGET")), 0);
     QCOMPARE(bench.flightIndex(), 12);
+    // Afterwards starts are what they were.
+    bench.call("on_pbStart_clicked");
+    QCOMPARE(bench.registerValue(QStringLiteral("RAMPMODE")), 768);
+}
+
+void ToolNestedTest::startBehindEachLastWriteOfAStopLosesToIt()
+{
+    PollBench bench;
+    bench.makeWide();
+    const unsigned int mode = ToolBench::address(QStringLiteral("RAMPMODE"));
+    bool isStarting = false;
+    QObject context;
+    connect(bench.module(), &HostModule::registerOutputBufferHasWritten, &context,
+            [&](unsigned short address, int value) {
+                if (isStarting || address != mode || value != 0)
+                    return;
+                isStarting = true;
+                bench.setTarget({4000, 4000});
+                bench.call("on_pbStart_clicked");
+                isStarting = false;
+            });
+    bench.call("on_pbStop_clicked");
+    QCOMPARE(bench.registerValue(QStringLiteral("RAMPMODE")), 0);
+    QCOMPARE(bench.registerValue(QStringLiteral("M0_XTARGET")), 0);
+    QCOMPARE(bench.registerValue(QStringLiteral("M1_XTARGET")), 0);
+}
+
+void ToolNestedTest::stopInAnyRequestOfAStartLeavesTheVelocities_data()
+{
+    QTest::addColumn<int>("request");
+    // Its own eleven, and the ramp checks behind its four writes of velocities.
+    for (int request = 0; request < 11 + 4 * 14; ++request)
+        QTest::addRow("request %d", request) << request;
+}
+
+void ToolNestedTest::stopInAnyRequestOfAStartLeavesTheVelocities()
+{
+    QFETCH(int, request);
+    PollBench bench;
+    bench.makeWide();
+    bench.setRegister(QStringLiteral("M0_VMAX"), 500);
+    bench.setRegister(QStringLiteral("M1_VMAX"), 700);
+    bench.setTarget({300, 200});
+    actInRequest(bench, request, [&bench] { bench.call("on_pbStop_clicked"); });
+    bench.call("on_pbStart_clicked");
+    QCOMPARE(bench.registerValue(QStringLiteral("M0_VMAX")), 500);
+    QCOMPARE(bench.registerValue(QStringLiteral("M1_VMAX")), 700);
+    QCOMPARE(bench.registerValue(QStringLiteral("RAMPMODE")), bench.link.onRequest ? 768 : 0);
+}
+
+/// As in any other request of the tick that would have found the end.
+void ToolNestedTest::hideInTheWriteOfATargetKeepsTheMove()
+{
+    PollBench bench;
+    arriveOnAFlightPath(bench);
+    bench.setTarget({50, 60});
+    actInRequest(bench, 0, [&bench] { bench.tool()->hidePlugin(); });
+    bench.updateTick();
+    QCOMPARE(bench.timerIntervals(), QList<int>{0});
+    QCOMPARE(bench.flightIndex(), 1);
+    QVERIFY(!bench.startButton()->isEnabled());
+}
+
+void ToolNestedTest::startInTheWriteOfATargetIsNotEndedWithIt()
+{
+    PollBench bench;
+    bench.makeWide();
+    bench.setTarget({50, 60});
+    actInRequest(bench, 0, [&bench] { bench.call("on_pbStart_clicked"); });
+    bench.updateTick();
+    QCOMPARE(bench.timerIntervals(), QList<int>({0, 50}));
+    QVERIFY(!bench.startButton()->isEnabled());
+}
+
+void ToolNestedTest::targetPickedAwayAndBackWhileItIsWrittenGoesOutWhole()
+{
+    PollBench bench;
+    bench.makeWide();
+    bench.setTarget({50, 60});
+    bench.link.calls.clear();
+    bench.link.onRequest = [&bench] {
+        if (bench.link.calls.size() == 1)
+            bench.setTarget({500, 600});
+        else
+            bench.setTarget({50, 60});
+    };
+    bench.updateTick();
+    bench.link.onRequest = nullptr;
+    bench.updateTick();
+    QCOMPARE(bench.registerValue(QStringLiteral("M0_XTARGET")), 50);
+    QCOMPARE(bench.registerValue(QStringLiteral("M1_XTARGET")), 60);
+    QVERIFY(!bench.isTargetNew());
+}
+
+void ToolNestedTest::whatComesWhileVelocitiesAreReadKeepsTheMove_data()
+{
+    QTest::addColumn<QByteArray>("what");
+
+    QTest::newRow("start") << QByteArray("start");
+    QTest::newRow("tick") << QByteArray("tick");
+    QTest::newRow("pick") << QByteArray("pick");
+}
+
+/// The velocities are from before it.
+void ToolNestedTest::whatComesWhileVelocitiesAreReadKeepsTheMove()
+{
+    QFETCH(QByteArray, what);
+    PollBench bench;
+    bench.makeWide();
+    bench.setTarget({300, 200});
+    bench.start();
+    bench.updateTick();
+    bench.start();
+    actInRequest(bench, 1, [&] {
+        if (what == "start") {
+            bench.call("on_pbStart_clicked");
+        } else if (what == "tick") {
+            bench.sample(30, 20);
+            bench.updateTick();
+        } else {
+            bench.setTarget({700, 800});
+        }
+    });
+    bench.updateTick();
+    QVERIFY(!bench.link.onRequest);
+    QVERIFY(!bench.startButton()->isEnabled());
+    QCOMPARE(bench.timerIntervals(), QList<int>({0, 50}));
 }
 
 void ToolNestedTest::stopDrivesToOnePointWhateverIsDrawnMeanwhile()

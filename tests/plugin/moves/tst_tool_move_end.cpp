@@ -6,6 +6,8 @@
 
 #include <QTest>
 
+#include <limits>
+
 namespace {
 
 const QStringList velocityReads{QStringLiteral("read M0_VACTUAL m0"),
@@ -31,6 +33,8 @@ private slots:
     void aMoveWithoutAChipEndsAtTheNextTick_data();
     void aMoveWithoutAChipEndsAtTheNextTick();
     void aPathWithoutAChipRunsThrough();
+    void anOddPointOfAPathIsNotDrivenTo_data();
+    void anOddPointOfAPathIsNotDrivenTo();
     void anIdleToolReadsNoVelocities();
     void aFlightPathRunsToItsEnd();
     void stopEndsARun();
@@ -199,6 +203,28 @@ void ToolMoveEndTest::aPathWithoutAChipRunsThrough()
     }
     QVERIFY(bench.startButton()->isEnabled());
     QCOMPARE(bench.flightIndex(), 11);
+}
+
+void ToolMoveEndTest::anOddPointOfAPathIsNotDrivenTo_data()
+{
+    QTest::addColumn<int>("index");
+    QTest::newRow("below the first") << -5;
+    QTest::newRow("the largest number") << std::numeric_limits<int>::max();
+}
+
+/// A host can write into the property.
+void ToolMoveEndTest::anOddPointOfAPathIsNotDrivenTo()
+{
+    QFETCH(int, index);
+    PollBench bench;
+    bench.setTarget({30, 40});
+    bench.start();
+    bench.startButton()->setProperty("RunFp", index);
+    bench.updateTick();
+    bench.updateTick();
+    QVERIFY(bench.startButton()->isEnabled());
+    QCOMPARE(bench.flightIndex(), index);
+    QCOMPARE(bench.target()->at(0), QPointF(30, 40));
 }
 
 void ToolMoveEndTest::anIdleToolReadsNoVelocities()
