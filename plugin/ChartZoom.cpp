@@ -14,25 +14,6 @@
 #include <QtCharts/QScatterSeries>
 #include <QtCharts/QValueAxis>
 
-namespace {
-
-struct WheelTurn
-{
-    int delta;
-    QPointF position;
-};
-
-// The single delta and the position under their old names: the newer position is not in Qt 5.12.
-QT_WARNING_PUSH
-QT_WARNING_DISABLE_DEPRECATED
-WheelTurn turnOf(const QWheelEvent *event)
-{
-    return {event->delta(), event->posF()};
-}
-QT_WARNING_POP
-
-} // namespace
-
 /// A range set by a zoom goes into the spin boxes, whose own handlers may move it further, and
 /// comes back as whole numbers.
 void SynchronisedDriveTool::rangeChanged(const Limits &limits, Coordinate of, double min,
@@ -76,9 +57,12 @@ void SynchronisedDriveTool::wheelEvent(QWheelEvent *ev)
 {
     if (!isComplete() || !ev || QGuiApplication::keyboardModifiers() != Qt::ControlModifier)
         return;
-    const WheelTurn turn = turnOf(ev);
-    const QPointer<QPushButton> button(turn.delta < 0 ? ui->btnZoomOut : ui->btnZoomIn);
-    button->setProperty(drive::property::ZoomPoint, drive::rounded(turn.position));
+    // The single delta and the position under their old names: the new ones are not in Qt 5.12.
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    const QPointer<QPushButton> button(ev->delta() < 0 ? ui->btnZoomOut : ui->btnZoomIn);
+    button->setProperty(drive::property::ZoomPoint, drive::rounded(ev->posF()));
+    QT_WARNING_POP
     button->click();
     if (button)
         button->setProperty(drive::property::ZoomPoint, QVariant());

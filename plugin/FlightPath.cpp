@@ -15,44 +15,31 @@
 
 namespace {
 
-/// A square with both diagonals and a roof, drawn in one go, and an excursion below it.
-const QVector<QPointF> &defaultFlightPath()
-{
-    static const QVector<QPointF> path{{0, 0},    {0, 1025},    {1025, 1025}, {0, 0},
-                                       {1025, 0}, {1025, 1025}, {512, 1800},  {0, 1025},
-                                       {1025, 0}, {1125, -200}, {-100, -200}, {0, 0}};
-    return path;
-}
-
 void logAction(const QString &text)
 {
     qCDebug(debLowLevel) << "SynchronisedDriveTool::initFlightPath()::<lambda()>" << text;
-}
-
-/// The actions have no parent; they go with the menu, at once: the plug-in may be unloaded next.
-QAction *addMenuAction(QMenu *menu, const QString &icon, const QString &text)
-{
-    auto *action = new QAction(QIcon(icon), text, nullptr);
-    menu->addAction(action);
-    QObject::connect(menu, &QObject::destroyed, action, [action] { delete action; });
-    return action;
 }
 
 } // namespace
 
 void SynchronisedDriveTool::initFlightPath()
 {
-    flightPath = defaultFlightPath();
+    // A square with both diagonals and a roof, drawn in one go, and an excursion below it.
+    flightPath = {{0, 0},      {0, 1025}, {1025, 1025}, {0, 0},       {1025, 0},    {1025, 1025},
+                  {512, 1800}, {0, 1025}, {1025, 0},    {1125, -200}, {-100, -200}, {0, 0}};
     ui->pbStart->setProperty(drive::property::RunFlightPath, flightPath.size());
     if (ui->pbStart->menu())
         return;
     auto *menu = new QMenu(this);
-    QAction *run = addMenuAction(menu, QStringLiteral(":/Software-Icons/Amp"),
-                                 QStringLiteral("Run flight path"));
-    connect(run, &QAction::triggered, this, [this, run] { runFlightPath(run); });
-    QAction *edit = addMenuAction(menu, QStringLiteral(":/Software-Icons/Code-Editor"),
-                                  QStringLiteral("Edit flight path"));
-    connect(edit, &QAction::triggered, this, [this, edit] { editFlightPath(edit); });
+    const auto add = [&](const char *icon, const char *text, void (Tool::*run)(const QAction *)) {
+        auto *action = new QAction(QIcon(QLatin1String(icon)), QLatin1String(text), nullptr);
+        menu->addAction(action);
+        connect(action, &QAction::triggered, this, [this, run, action] { (this->*run)(action); });
+        // It has no parent, and goes with the menu at once: the plug-in may be unloaded next.
+        connect(menu, &QObject::destroyed, action, [action] { delete action; });
+    };
+    add(":/Software-Icons/Amp", "Run flight path", &Tool::runFlightPath);
+    add(":/Software-Icons/Code-Editor", "Edit flight path", &Tool::editFlightPath);
     ui->pbStart->setMenu(menu);
 }
 

@@ -4,7 +4,6 @@
 
 #include <QtMath>
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 

@@ -20,11 +20,6 @@
 
 namespace {
 
-QVariant addressOf(XmlValueRegister *reg)
-{
-    return QVariant(reg->address());
-}
-
 XmlValueRegister *registerBehind(XmlRegisterWidget *widget)
 {
     XmlValueRegisterField *field = widget ? widget->registerField() : nullptr;
@@ -52,7 +47,7 @@ void SynchronisedDriveTool::initXmlRegister()
 
     for (XmlRegisterWidget *widget : container->getXmlWidgets()) {
         if (XmlValueRegister *reg = registerBehind(widget))
-            addresses.append(addressOf(reg));
+            addresses << reg->address();
     }
     listRegisters(addresses);
     listRampRegisters();
@@ -64,7 +59,7 @@ void SynchronisedDriveTool::bindRegisters(QList<QVariant> &addresses)
     const auto bind = [&](QPointer<XmlValueRegister> &member, const QString &name) {
         member = icProduct->getRegisterByName(name, true);
         if (member)
-            addresses.append(addressOf(member));
+            addresses << member->address();
     };
     bind(rampModeRegister, QStringLiteral("RAMPMODE"));
     bind(m0VmaxRegister, QStringLiteral("M0_VMAX"));
@@ -122,7 +117,7 @@ void SynchronisedDriveTool::listRampRegisters()
     QList<QVariant> addresses;
     const auto append = [&addresses](XmlValueRegister *reg) {
         if (reg)
-            addresses.append(addressOf(reg));
+            addresses << reg->address();
     };
     append(m0VmaxRegister);
     append(m1VmaxRegister);
@@ -150,10 +145,8 @@ void SynchronisedDriveTool::watchWrites()
 
 void SynchronisedDriveTool::registerWritten(unsigned short address)
 {
-    const QVariant written(static_cast<int>(address));
-    const QList<QVariant> watched =
-        ui->btnShowPosition->property(drive::property::RampList).toList();
-    if (watched.contains(written))
+    const QVariant watched = ui->btnShowPosition->property(drive::property::RampList);
+    if (watched.toList().contains(int(address)))
         setRampLink();
 }
 

@@ -23,11 +23,6 @@ QString textProperty(const QObject *object, const char *name)
     return object ? object->property(name).toString() : QString();
 }
 
-bool beginsLike(const QString &toolsName, const QObject *button)
-{
-    return toolsName.startsWith(textProperty(button, drive::property::ExToolName));
-}
-
 } // namespace
 
 /// Looks for the module's register browser and position-mode tools among the loaded plug-ins, and
@@ -60,10 +55,10 @@ void SynchronisedDriveTool::linkSibling(ToolsInterface *sibling, const QString &
     const QString name = sibling->toolsName(false);
     qCDebug(debLowLevel) << "void SynchronisedDriveTool::initExternTools()" << int(motor) << name
                          << sibling->parentWidget() << key;
-    if (beginsLike(name, ui->btnShowRegister)) {
+    if (name.startsWith(textProperty(ui->btnShowRegister, drive::property::ExToolName))) {
         ui->btnShowRegister->setProperty(drive::property::ExToolKey0, key);
         ui->btnShowRegister->setEnabled(true);
-    } else if (beginsLike(name, ui->btnShowPosition)) {
+    } else if (name.startsWith(textProperty(ui->btnShowPosition, drive::property::ExToolName))) {
         ui->btnShowPosition->setProperty(
             motor != 0 ? drive::property::ExToolKey1 : drive::property::ExToolKey0, key);
         ui->btnShowPosition->setEnabled(true);
