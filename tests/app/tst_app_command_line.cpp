@@ -182,6 +182,12 @@ void CommandLineTest::refusesWithOneLine_data()
     row("first point of no number", "--unattended --flight-path a.csv --from 0", "--from: \"0\"");
     row("repetition of no number", "--unattended --repeat many", "--repeat: \"many\" is not");
     row("repetition without a run", "--repeat 2", "--repeat goes with --unattended only");
+    row("report without a run", "--report a.json", "--report goes with --unattended only");
+    row("baseline without a run", "--baseline a.json", "--baseline goes with --unattended only");
+    row("tolerance without a baseline", "--unattended --tolerance 1", "--tolerance goes with");
+    row("tolerance of no number", "--unattended --baseline a --tolerance x",
+        "\"x\" is not a number");
+    row("negative tolerance", "--unattended --baseline a --tolerance=-1", "\"-1\" is not a number");
     row("target without a run", "--target 1,2", "--unattended");
 }
 

@@ -94,7 +94,8 @@ void AppSimulatedTimeTest::sameOptionsGiveTheSameBytes()
 {
     QFETCH(QString, options);
     QFETCH(int, exitCode);
-    const QString all = options + text(" --record r.csv --tape t.tape --picture p.png");
+    const QString all =
+        options + text(" --record r.csv --tape t.tape --picture p.png --report r.json");
     const auto first = run(all);
     QCOMPARE(first.exitCode, exitCode);
 

@@ -70,6 +70,20 @@ const QCommandLineOption recordOption{
     QStringLiteral("record"),
     QStringLiteral("Save the positions sampled in an unattended run as CSV."),
     QStringLiteral("FILE")};
+const QCommandLineOption reportOption{
+    QStringLiteral("report"),
+    QStringLiteral("Save what came of each move of an unattended run as JSON; docs/reports.md "
+                   "explains it."),
+    QStringLiteral("FILE")};
+const QCommandLineOption baselineOption{
+    QStringLiteral("baseline"),
+    QStringLiteral("Compare the moves with those of an earlier report, a line for each difference, "
+                   "and exit with 1 when there is one."),
+    QStringLiteral("FILE")};
+const QCommandLineOption toleranceOption{
+    QStringLiteral("tolerance"),
+    QStringLiteral("How far numbers may be from those of the --baseline; 0 when not given."),
+    QStringLiteral("PERCENT")};
 const QCommandLineOption linkCostOption{
     QStringLiteral("link-cost"),
     QStringLiteral("How long each request to the simulated module blocks, 0 to 1000000; 500 when "
@@ -144,6 +158,7 @@ public:
         readClock();
         readTargets();
         readCampaign();
+        readTolerance();
         readLinkCost();
         readFaults();
         checkCombination();
@@ -174,6 +189,8 @@ private:
         options.pictureFile = fileName(pictureOption, {});
         options.flightPathFile = fileName(flightPathOption, {});
         options.recordFile = fileName(recordOption, {});
+        options.reportFile = fileName(reportOption, {});
+        options.baselineFile = fileName(baselineOption, {});
         options.tapeFile = fileName(tapeOption, {});
         options.replayFile = fileName(replayOption, {});
         options.pluginsFolder = fileName(pluginsOption, PluginLoader::defaultFolder());
@@ -249,6 +266,20 @@ private:
         options.area.high = {qMax(one.x(), other.x()), qMax(one.y(), other.y())};
     }
 
+    void readTolerance()
+    {
+        if (!parser.isSet(toleranceOption))
+            return;
+        constexpr double most = 100;
+        bool isNumber = false;
+        const QString text = parser.value(toleranceOption);
+        options.tolerancePercent = text.toDouble(&isNumber);
+        if (!isNumber || !(options.tolerancePercent >= 0 && options.tolerancePercent <= most))
+            fail(QStringLiteral("--tolerance: \"%1\" is not a number from 0 to 100").arg(text));
+        if (!parser.isSet(baselineOption))
+            fail(QStringLiteral("--tolerance goes with --baseline only"));
+    }
+
     void readLinkCost()
     {
         options.linkCostNs = SimulatedLink::defaultRequestCostNs;
@@ -289,7 +320,7 @@ private:
         options.isUnattended = parser.isSet(unattendedOption);
         for (const QCommandLineOption &option :
              {pictureOption, recordOption, targetOption, flightPathOption, clockOption, fromOption,
-              randomOption, areaOption, repeatOption}) {
+              randomOption, areaOption, repeatOption, reportOption, baselineOption}) {
             if (parser.isSet(option) && !options.isUnattended)
                 fail(QStringLiteral("--%1 goes with --unattended only")
                          .arg(option.names().constFirst()));
@@ -325,10 +356,11 @@ CommandLine parseCommandLine(const QStringList &arguments)
         QStringLiteral("A desk for trying motion-control tools on a simulated dual-axis module."));
     const auto help = parser.addHelpOption();
     const auto version = parser.addVersionOption();
-    parser.addOptions({unattendedOption, clockOption, targetOption, flightPathOption, fromOption,
-                       randomOption, areaOption, repeatOption, pictureOption, recordOption,
-                       linkCostOption, chipOption, pluginsOption, faultOption, seedOption,
-                       tapeOption, replayOption});
+    parser.addOptions({unattendedOption, clockOption,    targetOption, flightPathOption,
+                       fromOption,       randomOption,   areaOption,   repeatOption,
+                       pictureOption,    recordOption,   reportOption, baselineOption,
+                       toleranceOption,  linkCostOption, chipOption,   pluginsOption,
+                       faultOption,      seedOption,     tapeOption,   replayOption});
 
     if (!parser.parse(arguments))
         return {CommandLine::Refuse, {}, parser.errorText().simplified()};

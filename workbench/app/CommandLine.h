@@ -18,13 +18,16 @@ struct Options
     bool isTimeSimulated = false; ///< with isUnattended only
     QString pictureFile;
     QString recordFile;
-    QVector<QPoint> targets; ///< position units, each within signed 24 bits
-    QString flightPathFile;  ///< excludes targets
-    int firstPoint = 1;      ///< of the flight path, counted from 1
-    int randomMoves = 0;     ///< excludes targets and a flight path; 0 for none
-    MoveArea area;           ///< of the random moves
-    int repetitions = 1;     ///< of all that is asked for
-    qint64 linkCostNs = 0;   ///< how long each request blocks
+    QString reportFile;
+    QString baselineFile;        ///< an earlier report
+    double tolerancePercent = 0; ///< of each number in it
+    QVector<QPoint> targets;     ///< position units, each within signed 24 bits
+    QString flightPathFile;      ///< excludes targets
+    int firstPoint = 1;          ///< of the flight path, counted from 1
+    int randomMoves = 0;         ///< excludes targets and a flight path; 0 for none
+    MoveArea area;               ///< of the random moves
+    int repetitions = 1;         ///< of all that is asked for
+    qint64 linkCostNs = 0;       ///< how long each request blocks
     QString chipFile;
     QString pluginsFolder;
     QVector<Fault> faults; ///< on from the start

@@ -28,14 +28,20 @@ public:
     /// Called for each answered request for both positions, before the asker gets the answer.
     std::function<void(const Sample &)> onSample;
 
+    /// All requests that were not answered.
+    quint64 failedCount() const { return failed; }
+
     bool readRegister(unsigned int address, unsigned char motor, int *value) override;
     bool writeRegister(unsigned int address, unsigned char motor, int value) override;
     bool userFunction(unsigned char *a, unsigned char *b, unsigned char function, unsigned char arg,
                       unsigned char motor, unsigned int *reply) override;
 
 private:
+    bool counted(bool isAnswered);
+
     ModuleLink &next;
     const Clock &clock;
+    quint64 failed = 0;
 };
 
 } // namespace workbench

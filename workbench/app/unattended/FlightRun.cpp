@@ -1,5 +1,6 @@
 #include "FlightRun.h"
 
+#include "RunReport.h"
 #include "RunStage.h"
 #include "SimulatedModule.h"
 #include "Wording.h"
@@ -41,14 +42,17 @@ QString FlightRun::carryOut(const QVector<QPoint> &points)
 
 void FlightRun::tell()
 {
+    constexpr double nsPerMs = 1e6;
+    const double latenessMs = static_cast<double>(endNs - stage.restSinceNs()) / nsPerMs;
+    if (stage.report)
+        stage.report->add(progress, latenessMs, stage.takeFailedRequests());
     if (!stage.tally) {
         stage.output.line(wording::flightDone(progress));
         return;
     }
-    constexpr double nsPerMs = 1e6;
     MoveFigures figures;
     figures.durationS = progress.secondsTo(progress.pointCount() - 1);
-    figures.latenessMs = static_cast<double>(endNs - stage.restSinceNs()) / nsPerMs;
+    figures.latenessMs = latenessMs;
     figures.deviationUnits = progress.largestDeviation();
     figures.samples = progress.sampleCount();
     stage.tally->add(figures);

@@ -1,5 +1,7 @@
 #include "MoveRun.h"
 
+#include "RampPromise.h"
+#include "RunReport.h"
 #include "SimulatedModule.h"
 #include "Wording.h"
 
@@ -45,6 +47,8 @@ QString MoveRun::carryOut(const QVector<ScriptedMove> &moves)
 
 void MoveRun::tell()
 {
+    if (stage.report)
+        stage.report->add(move, promised(), stage.takeFailedRequests());
     if (!stage.tally) {
         stage.output.line(wording::moveDone(number, move));
         return;
@@ -52,6 +56,13 @@ void MoveRun::tell()
     stage.tally->add(figuresOf(move));
     if (stage.tally->isLineDue())
         stage.output.line(stage.tally->line());
+}
+
+std::optional<double> MoveRun::promised() const
+{
+    if (move.planned.kind != ScriptedMove::Straight)
+        return std::nullopt;
+    return promisedSeconds(stage.axes, move.start, move.picked);
 }
 
 QString MoveRun::carryOut(const ScriptedMove &planned)

@@ -22,6 +22,7 @@ public:
 private:
     QString carryOut(const ScriptedMove &planned);
     void tell();
+    std::optional<double> promised() const;
     QString pickAndStart(const ScriptedMove &planned);
     QString prepareView(const ScriptedMove &planned);
     QString turn();

@@ -6,6 +6,7 @@
 #include <QLineF>
 
 #include <limits>
+#include <utility>
 
 namespace workbench {
 
@@ -115,6 +116,12 @@ bool RunStage::isWaitedFor(StepIn what) const
     if (isTimeSimulated && what == StepIn::Pick)
         return tape->waitingNs() >= -EventWait::tryPeriodMs * nsPerMs;
     return tape->waitingNs() >= 0 && panel.shownPosition() == axes.position();
+}
+
+quint64 RunStage::takeFailedRequests()
+{
+    const quint64 before = std::exchange(failedBefore, tap.failedCount());
+    return failedBefore - before;
 }
 
 void RunStage::haltAxes()

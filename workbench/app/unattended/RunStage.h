@@ -15,6 +15,7 @@
 
 namespace workbench {
 
+class RunReport;
 class SampleTap;
 class TapeLink;
 
@@ -51,6 +52,10 @@ public:
     std::function<void(const Sample &)> onSample;
     /// Set for many moves: they are added up instead of being told one by one.
     MoveTally *tally = nullptr;
+    /// Gets each move; null when nobody wants one.
+    RunReport *report = nullptr;
+    /// Of the requests, since this was asked last.
+    quint64 takeFailedRequests();
     /// What to show as progress; empty to show nothing.
     std::function<QString()> progressText;
 
@@ -99,6 +104,7 @@ private:
     EventWait wait;
     Stopwatch sinceProgress;
     std::optional<qint64> restSince;
+    quint64 failedBefore = 0;
 };
 
 } // namespace workbench

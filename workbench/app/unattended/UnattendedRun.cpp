@@ -7,6 +7,8 @@
 #include "MoveRun.h"
 #include "OutputFile.h"
 #include "PanelPicture.h"
+#include "ReportComparison.h"
+#include "RunReport.h"
 #include "RunStage.h"
 #include "StopSignal.h"
 #include "TapeFile.h"
@@ -29,9 +31,9 @@ Complaint failure(const QString &text)
 /// Returns an empty text, or why the files asked for cannot be written: to be known before the run.
 QString openFiles(const Options &options, RecordWriter &record)
 {
-    if (!options.pictureFile.isEmpty()) {
+    for (const QString &name : {options.pictureFile, options.reportFile}) {
         QSaveFile trial;
-        const QString problem = openOutput(trial, options.pictureFile);
+        const QString problem = name.isEmpty() ? QString() : openOutput(trial, name);
         if (!problem.isEmpty())
             return problem;
     }
@@ -97,14 +99,35 @@ Complaint runAndTally(const Options &options, RunStage &stage, const StopSignal 
 }
 
 /// Returns an empty text, or what could not be written.
-QString writeFiles(const Options &options, QWidget *panel, RecordWriter &record)
+QString writeFiles(const Options &options, QWidget *panel, RecordWriter &record,
+                   const RunReport &report)
 {
-    if (!options.pictureFile.isEmpty()) {
-        const QString problem = savePicture(panel, options.pictureFile);
-        if (!problem.isEmpty())
-            return problem;
-    }
-    return record.finish();
+    QString problem;
+    if (!options.pictureFile.isEmpty())
+        problem = savePicture(panel, options.pictureFile);
+    if (problem.isEmpty() && !options.reportFile.isEmpty())
+        problem = report.write(options.reportFile);
+    return problem.isEmpty() ? record.finish() : problem;
+}
+
+QString readBaseline(const Options &options, QJsonObject *baseline)
+{
+    QString problem;
+    if (!options.baselineFile.isEmpty())
+        *baseline = readReport(options.baselineFile, &problem).value_or(QJsonObject());
+    return problem;
+}
+
+Complaint compare(const RunReport &report, const QJsonObject &baseline, const Options &options,
+                  RunOutput &output)
+{
+    if (options.baselineFile.isEmpty())
+        return {};
+    const QStringList found = differences(report.object(), baseline, options.tolerancePercent);
+    for (const QString &difference : found)
+        output.line(difference);
+    return found.isEmpty() ? Complaint()
+                           : failure(wording::notAsInReport(found.size(), options.baselineFile));
 }
 
 Complaint runAndReport(const Options &options, Workbench &workbench, const StopSignal &stopSignal)
@@ -112,6 +135,10 @@ Complaint runAndReport(const Options &options, Workbench &workbench, const StopS
     ToolsInterface *const tool = workbench.driveTool();
     if (!tool)
         return failure(wording::noTool(options.pluginsFolder));
+    QJsonObject baseline;
+    const QString notRead = readBaseline(options, &baseline);
+    if (!notRead.isEmpty())
+        return {notRead, exitCode::usage};
     RecordWriter record;
     const QString notOpened = openFiles(options, record);
     if (!notOpened.isEmpty())
@@ -126,16 +153,20 @@ Complaint runAndReport(const Options &options, Workbench &workbench, const StopS
     RunOutput output;
     RunStage stage(workbench.module(), workbench.tape(), workbench.sampleTap(), panel, record,
                    output, options.isTimeSimulated);
+    RunReport report(options, tool->version().section(QLatin1Char(';'), 0, 0),
+                     workbench.module().chip().description().name);
+    stage.report = &report;
     Complaint problem = runAndTally(options, stage, stopSignal);
     if (problem.text.isEmpty())
         problem = failure(stage.replay.problemAtEnd());
     if (!problem.text.isEmpty())
         return problem;
     workbench.window().setUpdatesEnabled(true);
-    const QString notWritten = writeFiles(options, tool, record);
-    if (notWritten.isEmpty())
-        output.line(wording::allAsPlanned(options, record.sampleCount()));
-    return failure(notWritten);
+    const QString notWritten = writeFiles(options, tool, record, report);
+    if (!notWritten.isEmpty())
+        return failure(notWritten);
+    output.line(wording::allAsPlanned(options, record.sampleCount()));
+    return compare(report, baseline, options, output);
 }
 
 /// The tape is kept whatever comes of the run: it is wanted most when that fails.

@@ -208,6 +208,11 @@ QString wording::allAsPlanned(const Options &options, qint64 recordedSamples)
     return text;
 }
 
+QString wording::notAsInReport(int differences, const QString &fileName)
+{
+    return QStringLiteral("%1 differences from %2").arg(differences).arg(fileName);
+}
+
 QString wording::notAsOnTape(const QString &deviation)
 {
     return QStringLiteral("not as on the tape: %1").arg(deviation);

@@ -83,6 +83,8 @@ QString noTool(const QString &pluginsFolder);
 QString panelLacks(const QString &part);
 inline const QLatin1String interrupted("interrupted");
 QString allAsPlanned(const Options &options, qint64 recordedSamples);
+/// Behind a line for each of them.
+QString notAsInReport(int differences, const QString &fileName);
 
 // The tape that answers.
 
