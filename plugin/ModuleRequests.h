@@ -38,23 +38,22 @@ public:
     /// `preset` when the register could not be read.
     int read(Register reg, int preset = 0)
     {
-        if (module())
-            module()->readChannelRegister((tool->*reg).data(), motor, &preset);
+        if (QVXLModuleInterface *asked = module())
+            asked->readChannelRegister((tool->*reg).data(), motor, &preset);
         return preset;
     }
     int read(const QString &name) { return tool ? tool->getRegisterValue(name) : 0; }
     void write(Register reg, int value)
     {
-        if (mayWrite())
-            module()->writeChannelRegister((tool->*reg).data(), motor, value);
+        if (QVXLModuleInterface *asked = writable())
+            asked->writeChannelRegister((tool->*reg).data(), motor, value);
     }
     void writeField(Row row, double position)
     {
-        if (!mayWrite())
-            return;
-        XmlRegisterWidget *widget = tool->*row;
-        module()->writeAndReadChannelField(widget ? widget->registerField() : nullptr, motor,
-                                           drive::truncated(position), nullptr);
+        XmlRegisterWidget *widget = tool ? (tool->*row).data() : nullptr;
+        if (QVXLModuleInterface *asked = writable())
+            asked->writeAndReadChannelField(widget ? widget->registerField() : nullptr, motor,
+                                            drive::truncated(position), nullptr);
     }
     /// A negative position goes to the row as 64-bit two's complement.
     void setAndUpdate(Row row, double position)
@@ -77,7 +76,10 @@ public:
 
 private:
     QVXLModuleInterface *module() const { return tool ? tool->module() : nullptr; }
-    bool mayWrite() const { return module() && !(obeysStop && wasStopPressed()); }
+    QVXLModuleInterface *writable() const
+    {
+        return obeysStop && wasStopPressed() ? nullptr : module();
+    }
 
     const QPointer<Tool> tool;
     const Begun before;
