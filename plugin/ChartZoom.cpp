@@ -34,21 +34,10 @@ void SynchronisedDriveTool::rangeChanged(const Limits &limits, Coordinate of, do
 template <typename Accepts>
 void SynchronisedDriveTool::redrawTrace(const Accepts &isInRange)
 {
-    const QPoint from = tracePixel(actual());
-    const auto thinned = [history = tracePoints, from, isInRange](const auto &toPixel) {
-        QVector<QPointF> kept;
-        drive::appendThinned(kept, history.cbegin(), history.cend(), from, toPixel, isInRange);
-        return kept;
-    };
-    if (const std::optional<drive::PixelMap> map = drive::PixelMap::of(chart, traceSeries)) {
-        trace()->redraw([thinned, map] {
-            return thinned(
-                [&](const QPointF &point) { return drive::rounded(map->position(point)); });
-        });
-    } else {
-        const auto kept = thinned([this](const QPointF &point) { return tracePixel(point); });
-        trace()->redraw([kept] { return kept; });
-    }
+    const auto map = drive::PixelMap::of(chart, traceSeries);
+    trace()->redraw([map, history = tracePoints, from = map.pixel(actual()), isInRange] {
+        return drive::thinned(history, from, map, isInRange);
+    });
 }
 
 /// Zooms with Ctrl alone held. The position is the panel's and is used as the chart's as it stands;

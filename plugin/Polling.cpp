@@ -1,4 +1,5 @@
 #include "ModuleRequests.h"
+#include "PixelMap.h"
 #include "Positions.h"
 #include "ToolConstants.h"
 #include "TraceSeries.h"
@@ -10,6 +11,8 @@
 #include <QtCharts/QLineSeries>
 #include <QtCharts/QScatterSeries>
 #include <QtCharts/QValueAxis>
+
+#include <climits>
 
 namespace {
 
@@ -136,23 +139,15 @@ void SynchronisedDriveTool::drawSamples(ModuleRequests &requests)
 
 void SynchronisedDriveTool::appendToTrace(const QVector<QPointF> &points)
 {
-    QVector<QPointF> kept;
-    auto first = points.cbegin();
-    if (traceSeries->count() == 0)
-        kept.append(*first++);
-    const QPointF last =
-        kept.isEmpty() ? traceSeries->at(traceSeries->count() - 1) : kept.constLast();
-    drive::appendThinned(
-        kept, first, points.cend(), tracePixel(last),
-        [this](const QPointF &point) { return tracePixel(point); },
-        [](const QPointF &) { return true; });
+    const auto map = drive::PixelMap::of(chart, traceSeries);
+    const int drawn = traceSeries->count();
+    // No pixel of any point, where a host has emptied the trace.
+    const QPoint last =
+        drawn > 0 ? map.pixel(traceSeries->at(drawn - 1)) : QPoint(INT_MIN, INT_MIN);
+    const auto all = [](const QPointF &) { return true; };
+    const QVector<QPointF> kept = drive::thinned(points, last, map, all);
     if (!kept.isEmpty())
         trace()->appendPoints(kept);
-}
-
-QPoint SynchronisedDriveTool::tracePixel(const QPointF &point) const
-{
-    return drive::rounded(chart->mapToPosition(point, traceSeries));
 }
 
 /// Moves a limit that the position has passed to one tick beyond the position. The step is a whole

@@ -143,7 +143,6 @@ private:
     QPointF target() const;
     QPointF actual() const;
     TraceSeries *trace() const;
-    QPoint tracePixel(const QPointF &point) const;
     void targetWidgetChanged(int axis, int value);
     Limits horizontal() const;
     Limits vertical() const;

@@ -6,20 +6,22 @@
 
 namespace drive {
 
-/// Appends to `kept` those points of [`first`, `last`) that fall on another pixel than the point
-/// kept before them and that `accepts` lets through. `pixel` is the pixel of what is drawn before
-/// the first; a point left out does not move it.
-template <typename Iterator, typename ToPixel, typename Accepts>
-void appendThinned(QVector<QPointF> &kept, Iterator first, Iterator last, QPoint pixel,
-                   const ToPixel &toPixel, const Accepts &accepts)
+/// Those of `points` that `accepts` lets through and that fall on another pixel of the map than the
+/// one taken before them. `pixel` is the pixel of what is drawn before the first; a point left out
+/// does not move it.
+template <typename Map, typename Accepts>
+QVector<QPointF> thinned(const QVector<QPointF> &points, QPoint pixel, const Map &map,
+                         const Accepts &accepts)
 {
-    for (; first != last; ++first) {
-        const QPoint next = toPixel(*first);
-        if (next != pixel && accepts(*first)) {
-            kept.append(*first);
+    QVector<QPointF> taken;
+    for (const QPointF &point : points) {
+        const QPoint next = map.pixel(point);
+        if (next != pixel && accepts(point)) {
+            taken.append(point);
             pixel = next;
         }
     }
+    return taken;
 }
 
 } // namespace drive

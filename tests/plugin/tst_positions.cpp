@@ -338,10 +338,14 @@ void PositionsTest::thinningDropsPointsOnTheSamePixel_data()
 
 namespace {
 
-QPoint tenthOf(const QPointF &point)
+/// Ten units a pixel.
+struct TenthMap
 {
-    return {drive::truncated(point.x() / 10), drive::truncated(point.y() / 10)};
-}
+    static QPoint pixel(const QPointF &point)
+    {
+        return {drive::truncated(point.x() / 10), drive::truncated(point.y() / 10)};
+    }
+};
 
 QVector<QPointF> pointsAt(const QVector<int> &xs)
 {
@@ -363,22 +367,15 @@ void PositionsTest::thinningDropsPointsOnTheSamePixel()
     QFETCH(QVector<int>, xs);
     QFETCH(int, pixel);
     QFETCH(QVector<int>, kept);
-    const QVector<QPointF> points = pointsAt(xs);
-    // What was kept before stays in front.
-    QVector<QPointF> result{QPointF(-1, -1)};
-    drive::appendThinned(result, points.cbegin(), points.cend(), QPoint(pixel, 0), tenthOf,
-                         acceptAll);
-    QCOMPARE(result, QVector<QPointF>{QPointF(-1, -1)} + pointsAt(kept));
+    QCOMPARE(drive::thinned(pointsAt(xs), QPoint(pixel, 0), TenthMap(), acceptAll), pointsAt(kept));
 }
 
 void PositionsTest::thinningIgnoresRefusedPoints()
 {
     // 25 is refused, so 12 stays the point before 15 and 31.
-    const QVector<QPointF> points = pointsAt({12, 25, 15, 31});
-    QVector<QPointF> result;
-    drive::appendThinned(result, points.cbegin(), points.cend(), QPoint(0, 0), tenthOf,
-                         [](const QPointF &point) { return point.x() != 25; });
-    QCOMPARE(result, pointsAt({12, 31}));
+    const auto accepts = [](const QPointF &point) { return point.x() != 25; };
+    QCOMPARE(drive::thinned(pointsAt({12, 25, 15, 31}), QPoint(0, 0), TenthMap(), accepts),
+             pointsAt({12, 31}));
 }
 
 void PositionsTest::thinningAgreesWithASlowModel()
@@ -389,16 +386,14 @@ void PositionsTest::thinningAgreesWithASlowModel()
         for (int i = 0; i < 100; ++i)
             points.append(QPointF(random.bounded(60), random.bounded(60)));
         const auto accepts = [](const QPointF &point) { return point.y() < 40; };
-        QVector<QPointF> result;
-        drive::appendThinned(result, points.cbegin(), points.cend(), QPoint(-1, -1), tenthOf,
-                             accepts);
         QVector<QPointF> model;
         for (const QPointF &point : qAsConst(points)) {
-            const bool isDrawn = !model.isEmpty() && tenthOf(model.last()) == tenthOf(point);
+            const bool isDrawn =
+                !model.isEmpty() && TenthMap::pixel(model.last()) == TenthMap::pixel(point);
             if (accepts(point) && !isDrawn)
                 model.append(point);
         }
-        QCOMPARE(result, model);
+        QCOMPARE(drive::thinned(points, QPoint(-1, -1), TenthMap(), accepts), model);
     }
 }
 
