@@ -5,7 +5,12 @@
 #include <QSignalBlocker>
 #include <QtCharts/QChart>
 
-TraceSeries::~TraceSeries() = default;
+#include <utility>
+
+TraceSeries::~TraceSeries()
+{
+    delete item;
+}
 
 void TraceSeries::addTo(QtCharts::QChart *chart)
 {
@@ -24,10 +29,7 @@ void TraceSeries::addTo(QtCharts::QChart *chart)
 
 void TraceSeries::appendPoints(const QVector<QPointF> &points)
 {
-    if (foldDepth > 0) {
-        setPoints(unfoldedPoints() + points);
-        return;
-    }
+    Q_ASSERT(asideDepth == 0);
     const TraceChange change(this);
     {
         const QSignalBlocker blocker(this);
@@ -41,10 +43,7 @@ void TraceSeries::appendPoints(const QVector<QPointF> &points)
 
 void TraceSeries::removeOldest(int count)
 {
-    if (foldDepth > 0) {
-        setPoints(unfoldedPoints().mid(count));
-        return;
-    }
+    Q_ASSERT(asideDepth == 0);
     const TraceChange change(this);
     if (item)
         item->aboutToRemoveOldest(count);
@@ -55,16 +54,10 @@ void TraceSeries::removeOldest(int count)
 
 void TraceSeries::setPoints(const QVector<QPointF> &points)
 {
+    Q_ASSERT(asideDepth == 0);
     const TraceChange change(this);
-    hasChanged = true;
-    if (foldDepth > 0) {
-        redraws.clear();
-        folded = points;
-        isRewritten = true;
-        replaceQuietly(points.mid(points.size() - 1));
-        return;
-    }
     replaceQuietly(points);
+    hasChanged = true;
     if (item)
         item->pointsReplaced();
 }
@@ -88,33 +81,25 @@ void TraceSeries::endChange()
         told->announcing(false);
 }
 
-void TraceSeries::fold()
+void TraceSeries::setPointsAside()
 {
-    if (foldDepth++ > 0)
+    if (asideDepth++ > 0)
         return;
-    folded = pointsVector();
-    isRewritten = false;
-    if (folded.size() > 1)
-        replaceQuietly({folded.constLast()});
+    aside = pointsVector();
+    if (aside.size() > 1)
+        replaceQuietly({aside.constLast()});
 }
 
-void TraceSeries::unfold()
+void TraceSeries::bringPointsBack()
 {
-    if (--foldDepth > 0)
+    if (--asideDepth > 0)
         return;
-    const bool isNew = isRewritten || !redraws.isEmpty();
-    const QVector<QPointF> points = unfoldedPoints();
-    redraws.clear();
-    folded.clear();
-    if (isNew)
-        setPoints(points);
-    else if (points.size() > 1)
-        replaceQuietly(points);
-}
-
-QVector<QPointF> TraceSeries::unfoldedPoints() const
-{
-    return settledTrace(redraws, folded);
+    const QVector<QPointF> before = std::exchange(aside, {});
+    const QVector<Redraw> asked = std::exchange(redraws, {});
+    if (!asked.isEmpty())
+        setPoints(settledTrace(asked, before));
+    else if (before.size() > 1)
+        replaceQuietly(before);
 }
 
 void TraceSeries::replaceQuietly(const QVector<QPointF> &points)
@@ -133,31 +118,4 @@ QVector<QPointF> settledTrace(const QVector<TraceSeries::Redraw> &redraws,
             return i == redraws.size() - 1 ? kept : kept.mid(kept.size() - 1);
     }
     return redraws.isEmpty() || before.isEmpty() ? before : before.mid(before.size() - 1);
-}
-
-TraceChange::TraceChange(TraceSeries *series)
-    : trace(series)
-{
-    if (trace)
-        trace->beginChange();
-}
-
-TraceChange::~TraceChange()
-{
-    if (trace)
-        trace->endChange();
-}
-
-TraceRangeChange::TraceRangeChange(QtCharts::QAbstractSeries *series)
-    : change(dynamic_cast<TraceSeries *>(series))
-    , trace(dynamic_cast<TraceSeries *>(series))
-{
-    if (trace)
-        trace->fold();
-}
-
-TraceRangeChange::~TraceRangeChange()
-{
-    if (trace)
-        trace->unfold();
 }
