@@ -3,34 +3,14 @@
 #include "TraceSeries.h"
 
 #include <QEvent>
+#include <QGraphicsScene>
+#include <QPaintEngine>
 #include <QtCharts/QChart>
-#include <QtMath>
 
-#include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
-
-constexpr int pointsPerBox = 64;
-constexpr int linesPerStaleRect = 16;
-constexpr int maximumScale = 8;
-
-/// Lines from the point before `first` up to the one before `last`. One call a line, as the chart
-/// draws them: what they cover together depends on it where they overlap.
-template <typename ToPosition>
-void drawLines(QPainter &painter, const QVector<QPointF> &points, int first, int last,
-               const ToPosition &toPosition)
-{
-    first = qMax(first, 1);
-    if (first >= last)
-        return;
-    QPointF from = toPosition(points.at(first - 1));
-    for (int i = first; i < last; ++i) {
-        const QPointF to = toPosition(points.at(i));
-        painter.drawLine(from, to);
-        from = to;
-    }
-}
 
 double fraction(double value)
 {
@@ -47,21 +27,15 @@ QRectF withEdges(const QRectF &area)
                          qMax(top, fraction(area.height() + 0.5)));
 }
 
-bool isWhole(double value)
+/// Whether an image of whole pixels falls on the device's pixels, and is not too large. Other
+/// devices than those of pixels, such as a printer, draw a line better than an image of it.
+bool suitsImage(const QPainter &painter)
 {
-    return value == std::floor(value);
-}
-
-QRectF extent(const QPointF &a, const QPointF &b)
-{
-    return {QPointF(qMin(a.x(), b.x()), qMin(a.y(), b.y())),
-            QPointF(qMax(a.x(), b.x()), qMax(a.y(), b.y()))};
-}
-
-bool meets(const QRectF &a, const QRectF &b)
-{
-    return a.left() <= b.right() && b.left() <= a.right() && a.top() <= b.bottom() &&
-           b.top() <= a.bottom();
+    constexpr double mostPixelsPerUnit = 8.0 * 8.0;
+    const QTransform transform = painter.deviceTransform();
+    return painter.paintEngine()->type() == QPaintEngine::Raster &&
+           transform.type() <= QTransform::TxScale && transform.determinant() > 0 &&
+           transform.determinant() <= mostPixelsPerUnit;
 }
 
 } // namespace
@@ -73,22 +47,17 @@ TraceItem::TraceItem(QtCharts::QChart *chart_, TraceSeries *series_, QGraphicsIt
 {
     chartItem->setFlag(ItemHasNoContents);
     setZValue(chartItem->zValue());
-    setAcceptedMouseButtons(Qt::NoButton);
     chart->installEventFilter(this);
     connect(chart, &QtCharts::QChart::plotAreaChanged, this, &TraceItem::takePlotArea);
     takePlotArea();
 
-    const auto forget = [this] {
-        if (!isAnnouncing)
-            pointsReplaced();
-    };
-    connect(series, &QtCharts::QXYSeries::pointAdded, this, forget);
-    connect(series, &QtCharts::QXYSeries::pointRemoved, this, forget);
-    connect(series, &QtCharts::QXYSeries::pointsRemoved, this, forget);
-    connect(series, &QtCharts::QXYSeries::pointReplaced, this, forget);
-    connect(series, &QtCharts::QXYSeries::pointsReplaced, this, forget);
-    connect(series, &QtCharts::QXYSeries::penChanged, this, forget);
-    connect(series, &QtCharts::QAbstractSeries::visibleChanged, this, forget);
+    connect(series, &QtCharts::QXYSeries::pointAdded, this, &TraceItem::seriesChanged);
+    connect(series, &QtCharts::QXYSeries::pointRemoved, this, &TraceItem::seriesChanged);
+    connect(series, &QtCharts::QXYSeries::pointsRemoved, this, &TraceItem::seriesChanged);
+    connect(series, &QtCharts::QXYSeries::pointReplaced, this, &TraceItem::seriesChanged);
+    connect(series, &QtCharts::QXYSeries::pointsReplaced, this, &TraceItem::seriesChanged);
+    connect(series, &QtCharts::QXYSeries::penChanged, this, &TraceItem::pointsReplaced);
+    connect(series, &QtCharts::QAbstractSeries::visibleChanged, this, &TraceItem::pointsReplaced);
 }
 
 // A new size makes the chart rebuild its series too.
@@ -112,172 +81,151 @@ QRectF TraceItem::boundingRect() const
     return plot;
 }
 
-void TraceItem::pointsAppended()
+/// Whatever the host does to the series by itself.
+void TraceItem::seriesChanged()
 {
-    update();
+    if (!std::exchange(isExpecting, false))
+        pointsReplaced();
 }
 
 void TraceItem::pointsReplaced()
 {
-    forgetImage();
-    boxes.clear();
-    boxed = 0;
-    unboxed = 0;
-    update();
-}
-
-void TraceItem::forgetImage()
-{
     imageMap.reset();
-    stale = QRegion();
-    drawn = 0;
-}
-
-void TraceItem::aboutToRemoveOldest(int count)
-{
-    const QVector<QPointF> points = series->pointsVector();
-    addToBoxes(points);
-    if (imageMap) {
-        const double margin = penMargin();
-        for (int first = 0; first < qMin(count, drawn - 1); first += linesPerStaleRect) {
-            const int last = qMin(qMin(first + linesPerStaleRect, count), drawn - 1);
-            QRectF lines;
-            for (int i = first; i < last; ++i)
-                lines |=
-                    extent(imageMap->position(points.at(i)), imageMap->position(points.at(i + 1)))
-                        .adjusted(-margin, -margin, margin, margin);
-            stale += (lines & plot).toAlignedRect();
-        }
-        drawn = qMax(drawn - count, 0);
-    }
-    boxed -= count;
-    unboxed += count;
-    const int emptied = qMin(unboxed / pointsPerBox, boxes.size());
-    boxes.remove(0, emptied);
-    unboxed -= emptied * pointsPerBox;
     update();
 }
 
-void TraceItem::addToBoxes(const QVector<QPointF> &points)
+void TraceItem::pointsAppended()
 {
-    const auto include = [this](int box, const QPointF &point) {
-        if (box == boxes.size())
-            boxes.append({point.x(), point.x(), point.y(), point.y()});
-        Box &extent = boxes[box];
-        extent = {qMin(extent.left, point.x()), qMax(extent.right, point.x()),
-                  qMin(extent.bottom, point.y()), qMax(extent.top, point.y())};
-    };
-    for (; boxed < points.size(); ++boxed) {
-        const int place = boxed + unboxed;
-        include(place / pointsPerBox, points.at(boxed));
-        // The line that begins at a box's last point ends at the next one's first.
-        if (place % pointsPerBox == 0 && place > 0)
-            include(place / pointsPerBox - 1, points.at(boxed));
-    }
+    if (imageMap)
+        update(toImage.inverted().mapRect(QRectF(drawNewLines())));
+    else
+        update();
 }
 
-double TraceItem::penMargin() const
+void TraceItem::oldestRemoved(const QVector<QPointF> &removed)
 {
-    // Half a pen with square caps, across the corner, and a pixel for antialiasing.
-    return series->pen().widthF() * M_SQRT1_2 + 1.5;
+    const int lines = removed.size() - 1;
+    if (!imageMap || lines > boxes.lines() / 2)
+        return pointsReplaced();
+    boxes.removeOldest(lines);
+    QRegion stale;
+    for (int i = 0; i < lines; ++i)
+        stale += covered(line(removed, i));
+    redraw(stale);
+    // Painted by itself: through a clip of several rectangles, far from each other, the lines of
+    // the grid take three times as long.
+    const QRectF place = toImage.inverted().mapRect(QRectF(stale.boundingRect()));
+    const auto show = [this, place] {
+        if (scene())
+            scene()->update(mapRectToScene(place));
+    };
+    QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
 }
 
 void TraceItem::paint(QPainter *painter, const QStyleOptionGraphicsItem *, QWidget *)
 {
-    if (!series || !series->isVisible() || series->count() < 2)
+    if (!series->isVisible() || series->count() < 2)
         return;
-    const QVector<QPointF> points = series->pointsVector();
-    const std::optional<drive::PixelMap> map = drive::PixelMap::of(chart, series);
     painter->save();
     painter->setClipRect(plot, Qt::IntersectClip);
-    const int scale = wholeScale(*painter);
-    if (map && scale > 0) {
-        prepareImage(*map, scale, painter->renderHints());
-        refreshImage(points);
-        painter->drawImage(imageOrigin, image);
-    } else {
-        painter->setPen(series->pen());
-        drawLines(*painter, points, 1, points.size(), [&](const QPointF &point) {
-            return map ? map->position(point) : chart->mapToPosition(point, series);
-        });
-    }
+    if (suitsImage(*painter))
+        paintImage(painter);
+    else
+        paintLines(painter);
     painter->restore();
 }
 
-/// How many device pixels a unit of the chart is, when an image of whole pixels falls on the
-/// device's pixels; otherwise 0.
-int TraceItem::wholeScale(const QPainter &painter)
+void TraceItem::paintImage(QPainter *painter)
 {
-    const QTransform transform = painter.deviceTransform();
-    const bool fits = transform.type() <= QTransform::TxScale && isWhole(transform.m11()) &&
-                      transform.m11() == transform.m22() && isWhole(transform.dx()) &&
-                      isWhole(transform.dy());
-    return fits && transform.m11() > 0 && transform.m11() <= maximumScale ? int(transform.m11())
-                                                                          : 0;
+    const QTransform toDevice = painter->deviceTransform();
+    const QRect pixels = toDevice.mapRect(plot).toAlignedRect();
+    prepareImage(toDevice * QTransform::fromTranslate(-pixels.x(), -pixels.y()), pixels.size());
+    drawNewLines();
+    painter->setTransform(toDevice.inverted(), true);
+    painter->drawImage(pixels.topLeft(), image);
 }
 
-void TraceItem::prepareImage(const drive::PixelMap &map, int scale, QPainter::RenderHints hints)
+/// One call a line, here and in the image, as the chart draws them: what they cover together
+/// depends on it where they overlap.
+void TraceItem::paintLines(QPainter *painter) const
 {
-    const QRect area = plot.toAlignedRect();
-    const QSize size = area.size() * scale;
-    if (imageMap && *imageMap == map && image.size() == size && imageOrigin == area.topLeft() &&
-        imageScale == scale && imageHints == hints)
+    const drive::PixelMap map = drive::PixelMap::of(chart, series);
+    const QVector<QPointF> points = series->pointsVector();
+    painter->setPen(series->pen());
+    for (int i = 1; i < points.size(); ++i)
+        painter->drawLine(map.position(points.at(i - 1)), map.position(points.at(i)));
+}
+
+void TraceItem::prepareImage(const QTransform &toPixels, const QSize &size)
+{
+    const drive::PixelMap map = drive::PixelMap::of(chart, series);
+    if (imageMap && *imageMap == map && toImage == toPixels && image.size() == size)
         return;
-    forgetImage();
     if (image.size() != size)
         image = QImage(size, QImage::Format_ARGB32_Premultiplied);
-    image.setDevicePixelRatio(scale);
     image.fill(Qt::transparent);
-    imageOrigin = area.topLeft();
-    imageScale = scale;
-    imageHints = hints;
+    boxes = {};
+    toImage = toPixels;
     imageMap = map;
 }
 
-void TraceItem::refreshImage(const QVector<QPointF> &points)
+/// Draws the lines that the image does not hold yet, and returns where they are in it.
+QRect TraceItem::drawNewLines()
 {
-    if (drawn == points.size() && stale.isEmpty())
-        return;
-    addToBoxes(points);
+    const QVector<QPointF> points = series->pointsVector();
+    QRect place;
+    if (boxes.lines() >= points.size() - 1)
+        return place;
     QPainter painter(&image);
-    painter.setRenderHints(imageHints);
-    painter.translate(-imageOrigin);
-    painter.setClipRect(plot);
-    painter.setPen(series->pen());
-    drawLines(painter, points, drawn, points.size(),
-              [this](const QPointF &point) { return imageMap->position(point); });
-    drawn = points.size();
-    redrawStale(painter, points);
-    stale = QRegion();
+    setUp(painter);
+    for (int i = boxes.lines(); i < points.size() - 1; ++i) {
+        const QLineF next = line(points, i);
+        painter.drawLine(next);
+        const QRect extent = covered(next);
+        boxes.append(extent);
+        place |= extent;
+    }
+    return place;
 }
 
-void TraceItem::redrawStale(QPainter &painter, const QVector<QPointF> &points) const
+void TraceItem::redraw(const QRegion &stale)
 {
-    if (stale.isEmpty())
-        return;
-    painter.setClipRegion(stale, Qt::IntersectClip);
+    const QVector<QPointF> points = series->pointsVector();
+    QPainter painter(&image);
+    painter.setClipRegion(stale);
     painter.setCompositionMode(QPainter::CompositionMode_Clear);
     painter.fillRect(stale.boundingRect(), Qt::transparent);
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-
-    const double margin = penMargin();
-    const auto isStale = [&](const QRectF &pixels) {
-        const QRectF covered = pixels.adjusted(-margin, -margin, margin, margin);
-        return std::any_of(stale.begin(), stale.end(),
-                           [&](const QRect &part) { return meets(covered, part); });
-    };
-    for (int box = 0; box < boxes.size(); ++box) {
-        const Box &values = boxes.at(box);
-        if (!isStale(extent(imageMap->position({values.left, values.top}),
-                            imageMap->position({values.right, values.bottom}))))
-            continue;
-        const int first = qMax(box * pointsPerBox - unboxed, 0);
-        const int last = qMin((box + 1) * pointsPerBox - unboxed, points.size() - 1);
+    setUp(painter);
+    boxes.visitAt(stale, [&](int first, int last) {
         for (int i = first; i < last; ++i) {
-            const QPointF from = imageMap->position(points.at(i));
-            const QPointF to = imageMap->position(points.at(i + 1));
-            if (isStale(extent(from, to)))
-                painter.drawLine(from, to);
+            const QLineF old = line(points, i);
+            if (stale.intersects(covered(old)))
+                painter.drawLine(old);
         }
-    }
+    });
+}
+
+/// Antialiased, as the tool's view is.
+void TraceItem::setUp(QPainter &painter) const
+{
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setTransform(toImage);
+    painter.setPen(series->pen());
+}
+
+QLineF TraceItem::line(const QVector<QPointF> &points, int index) const
+{
+    return {imageMap->position(points.at(index)), imageMap->position(points.at(index + 1))};
+}
+
+/// The pixels of the image in which a line may show. A whole pen's width around it has room for
+/// the corners of its caps, and a pixel for antialiasing.
+QRect TraceItem::covered(const QLineF &line) const
+{
+    const double margin = series->pen().widthF();
+    const QRectF extent = QRectF(line.p1(), line.p2()).normalized();
+    return toImage.mapRect(extent.adjusted(-margin, -margin, margin, margin))
+        .adjusted(-1, -1, 1, 1)
+        .toAlignedRect();
 }

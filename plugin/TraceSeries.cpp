@@ -45,11 +45,14 @@ void TraceSeries::removeOldest(int count)
 {
     Q_ASSERT(asideDepth == 0);
     const TraceChange change(this);
-    if (item)
-        item->aboutToRemoveOldest(count);
-    const QSignalBlocker blocker(this);
-    removePoints(0, count);
+    const QVector<QPointF> removed = pointsVector().mid(0, count + 1);
+    {
+        const QSignalBlocker blocker(this);
+        removePoints(0, count);
+    }
     hasChanged = true;
+    if (item)
+        item->oldestRemoved(removed);
 }
 
 void TraceSeries::setPoints(const QVector<QPointF> &points)
@@ -74,11 +77,8 @@ void TraceSeries::endChange()
         return;
     hasChanged = false;
     if (item)
-        item->announcing(true);
-    const QPointer<TraceItem> told = item;
+        item->expectAnnouncement();
     emit pointsReplaced();
-    if (told)
-        told->announcing(false);
 }
 
 void TraceSeries::setPointsAside()

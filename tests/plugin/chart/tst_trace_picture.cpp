@@ -4,6 +4,7 @@
 #include <QGraphicsLayout>
 #include <QPainter>
 #include <QPushButton>
+#include <QScreen>
 #include <QSpinBox>
 #include <QTest>
 #include <QtCharts/QLegend>
@@ -204,6 +205,8 @@ private slots:
     void aHiddenTraceIsNotDrawn();
     void linesAlongTheEdgesShow();
     void theHistoryOfAnOwnScaleComesBack();
+    void whatIsOnScreenIsUpToDate();
+    void aTurnedViewIsDrawn();
 };
 
 void TracePictureTest::theChartWouldDrawTheSame_data()
@@ -216,6 +219,8 @@ void TracePictureTest::theChartWouldDrawTheSame_data()
     QTest::newRow("plot area between pixels") << 1.0 << false;
     QTest::newRow("plot area between pixels, two a unit") << 2.0 << false;
     QTest::newRow("a pixel and a half a unit") << 1.5 << true;
+    QTest::newRow("plot area between pixels, 1.25 a unit") << 1.25 << false;
+    QTest::newRow("plot area between pixels, 1.75 a unit") << 1.75 << false;
 }
 
 void TracePictureTest::theChartWouldDrawTheSame()
@@ -350,7 +355,7 @@ void TracePictureTest::linesAlongTheEdgesShow()
         pair.bench.updateTick();
         pair.copy();
         QCOMPARE(pair.bench.limits(), QStringLiteral("-256 256 -256 256"));
-        for (double ratio : {1.0, 2.0})
+        for (double ratio : {1.0, 1.25, 1.5, 2.0})
             QCOMPARE(difference(picture(pair.bench.view(), ratio), picture(&pair.plain, ratio)),
                      QString());
     }
@@ -367,6 +372,58 @@ void TracePictureTest::theHistoryOfAnOwnScaleComesBack()
             QCOMPARE(difference(picture(pair.bench.view(), ratio), picture(&pair.plain, ratio)),
                      QString());
         }
+    }
+}
+
+void TracePictureTest::whatIsOnScreenIsUpToDate()
+{
+    ToolBench bench;
+    bench.show();
+    bench.setRegister(QStringLiteral("M0_VACTUAL"), 5);
+    bench.call("on_pbStart_clicked");
+    bench.widget<QSpinBox>("spTraces")->setValue(150);
+    bench.setLimits(-2048, 2048, -2048, 2048);
+    QWidget *viewport = bench.view()->viewport();
+    double angle = 0;
+    int longest = 0;
+    for (int tick = 0; tick < 60; ++tick) {
+        for (int i = 0; i < 9; ++i, angle += 0.03)
+            bench.sample(qRound(1900 * std::cos(angle)), qRound(1500 * std::sin(2.3 * angle)));
+        bench.updateTick();
+        longest = qMax(longest, bench.trace()->count());
+        if (tick % 7 == 3)
+            bench.setTarget(QPointF(tick * 20, -tick * 10));
+        if (tick % 20 == 11)
+            bench.call("on_btnClearTraces_clicked");
+        // What a tick takes away is painted behind what it adds.
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::sendPostedEvents();
+        const QPoint at = viewport->mapTo(bench.tool(), QPoint(0, 0));
+        const QPixmap shown = bench.tool()->screen()->grabWindow(
+            bench.tool()->winId(), at.x(), at.y(), viewport->width(), viewport->height());
+        QCOMPARE(difference(shown.toImage().convertToFormat(QImage::Format_RGB32),
+                            picture(bench.view(), 1)),
+                 QString());
+    }
+    QCOMPARE(longest, 150);
+}
+
+void TracePictureTest::aTurnedViewIsDrawn()
+{
+    PicturePair pair;
+    for (double degrees : {90.0, 12.0, 180.0, 0.0}) {
+        pair.drive(70, 9);
+        pair.copy();
+        const auto turned = [&](QtCharts::QChartView *view) {
+            QImage image = blank(view, 1);
+            QPainter painter(&image);
+            painter.translate(image.rect().center());
+            painter.rotate(degrees);
+            painter.translate(-image.rect().center());
+            view->viewport()->render(&painter);
+            return image;
+        };
+        QCOMPARE(difference(turned(pair.bench.view()), turned(&pair.plain)), QString());
     }
 }
 

@@ -2,12 +2,16 @@
 #include "PollBench.h"
 #include "TraceSeries.h"
 
+#include <QBuffer>
 #include <QMouseEvent>
+#include <QPdfWriter>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTest>
 #include <QWheelEvent>
 #include <QtCharts/QLegend>
+
+#include <utility>
 
 // Work is counted and not timed: by what a reader of the trace is told of, and by the pixels that
 // are drawn anew, which show in another colour when the pen changes behind the drawing's back.
@@ -74,9 +78,10 @@ struct DrawnTrace
         view.show();
         trace->setPen(QPen(QColor(Qt::blue), 2.0));
     }
-    QImage picture()
+    QImage picture(double ratio = 1)
     {
-        QImage image(view.viewport()->size(), QImage::Format_RGB32);
+        QImage image(view.viewport()->size() * ratio, QImage::Format_RGB32);
+        image.setDevicePixelRatio(ratio);
         view.viewport()->render(&image);
         return image;
     }
@@ -119,6 +124,21 @@ int area(const QRegion &region)
     return pixels;
 }
 
+QRect scaled(const QRect &rect, double ratio)
+{
+    return QTransform::fromScale(ratio, ratio).mapRect(QRectF(rect)).toAlignedRect();
+}
+
+void addRatios()
+{
+    QTest::addColumn<double>("ratio");
+    QTest::newRow("a pixel a unit") << 1.0;
+    QTest::newRow("1.25 pixels a unit") << 1.25;
+    QTest::newRow("1.5 pixels a unit") << 1.5;
+    QTest::newRow("2 pixels a unit") << 2.0;
+    QTest::newRow("2.75 pixels a unit") << 2.75;
+}
+
 QVector<QPointF> zigzag(int first, int last)
 {
     QVector<QPointF> points;
@@ -145,11 +165,17 @@ private slots:
     void aPushedLimitChangesTheTraceOnce();
     void clearingChangesTheTraceOnce();
     void layoutChangesNothing();
+    void onlyNewLinesAreDrawn_data();
     void onlyNewLinesAreDrawn();
+    void nothingIsDrawnAnewWithoutAChange_data();
     void nothingIsDrawnAnewWithoutAChange();
+    void onlyTheTrimmedPartIsDrawnAnew_data();
     void onlyTheTrimmedPartIsDrawnAnew();
+    void aTrimOfMostDrawsEverythingAnew();
     void anotherRangeDrawsEverythingAnew();
     void foreignChangesDrawEverythingAnew();
+    void aChangeInsideAnAnnouncementIsForeignToo();
+    void aPrintHasLinesAndNoImage();
 };
 
 void TraceWorkTest::aTickChangesTheTraceOnce()
@@ -307,11 +333,17 @@ void TraceWorkTest::layoutChangesNothing()
     QCOMPARE(bench.trace()->pointsVector(), points);
 }
 
+void TraceWorkTest::onlyNewLinesAreDrawn_data()
+{
+    addRatios();
+}
+
 void TraceWorkTest::onlyNewLinesAreDrawn()
 {
+    QFETCH(double, ratio);
     DrawnTrace drawn;
     drawn.trace->setPoints(zigzag(0, 50));
-    drawn.picture();
+    drawn.picture(ratio);
     drawn.changePenUnnoticed();
     // However long the trace has become, each time as much is drawn as was appended.
     int least = 1000000;
@@ -321,51 +353,75 @@ void TraceWorkTest::onlyNewLinesAreDrawn()
         const QVector<QPointF> points = zigzag(first, first + 5);
         const QPointF from = drawn.trace->at(drawn.trace->count() - 1);
         drawn.trace->appendPoints(points);
-        const QRegion red = redPart(drawn.picture());
+        const QRegion red = redPart(drawn.picture(ratio));
         const int added = area(red) - before;
         before = area(red);
         least = qMin(least, added);
         most = qMax(most, added);
         const QRect all = drawn.pixels({490, 300}, points.constLast())
                               .united(drawn.pixels(from, {points.constLast().x(), 600}));
-        QVERIFY(QRegion(all).contains(red.boundingRect()));
+        QVERIFY(QRegion(scaled(all, ratio)).contains(red.boundingRect()));
     }
     QVERIFY(least > 100);
     QVERIFY(most < least * 5 / 4);
 }
 
+void TraceWorkTest::nothingIsDrawnAnewWithoutAChange_data()
+{
+    addRatios();
+}
+
 void TraceWorkTest::nothingIsDrawnAnewWithoutAChange()
 {
+    QFETCH(double, ratio);
     DrawnTrace drawn;
     drawn.trace->setPoints(zigzag(0, 80));
-    const QImage before = drawn.picture();
+    const QImage before = drawn.picture(ratio);
     drawn.changePenUnnoticed();
-    QCOMPARE(drawn.picture(), before);
+    QCOMPARE(drawn.picture(ratio), before);
     {
         const TraceRangeChange change(drawn.trace);
         const TraceChange other(drawn.trace);
     }
-    QCOMPARE(drawn.picture(), before);
-    drawn.view.viewport()->repaint(QRect(100, 100, 50, 50));
-    QCOMPARE(drawn.picture(), before);
+    QCOMPARE(drawn.picture(ratio), before);
+}
+
+void TraceWorkTest::onlyTheTrimmedPartIsDrawnAnew_data()
+{
+    addRatios();
 }
 
 void TraceWorkTest::onlyTheTrimmedPartIsDrawnAnew()
 {
+    QFETCH(double, ratio);
     DrawnTrace drawn;
     const QVector<QPointF> points = zigzag(0, 90);
     drawn.trace->setPoints(points);
-    const QImage before = drawn.picture();
+    const QImage before = drawn.picture(ratio);
     drawn.changePenUnnoticed();
     drawn.trace->removeOldest(20);
-    const QImage after = drawn.picture();
+    const QImage after = drawn.picture(ratio);
     // Up to the last trimmed line and the one that touches it.
     const QRegion red = redPart(after);
-    const QRect trimmed = drawn.pixels(points.at(0), {points.at(20).x(), 600});
+    const QRect trimmed = scaled(drawn.pixels(points.at(0), {points.at(20).x(), 600}), ratio);
+    QVERIFY(!red.isEmpty());
     QVERIFY(QRegion(trimmed).contains(red.boundingRect()));
-    QCOMPARE(after.copy(trimmed.right() + 1, 0, 600, 480),
-             before.copy(trimmed.right() + 1, 0, 600, 480));
+    const QRect rest(trimmed.right() + 1, 0, before.width() - trimmed.right() - 1, before.height());
+    QCOMPARE(after.copy(rest), before.copy(rest));
     QVERIFY(after != before);
+}
+
+void TraceWorkTest::aTrimOfMostDrawsEverythingAnew()
+{
+    DrawnTrace drawn;
+    drawn.trace->setPoints(zigzag(0, 90));
+    drawn.picture();
+    drawn.changePenUnnoticed();
+    drawn.trace->removeOldest(60);
+    DrawnTrace fresh;
+    fresh.trace->setPoints(zigzag(60, 90));
+    fresh.trace->setPen(drawn.trace->pen());
+    QCOMPARE(drawn.picture(), fresh.picture());
 }
 
 void TraceWorkTest::anotherRangeDrawsEverythingAnew()
@@ -394,6 +450,46 @@ void TraceWorkTest::foreignChangesDrawEverythingAnew()
         change(drawn.trace);
         QVERIFY(area(redPart(drawn.picture())) > 5000);
     }
+}
+
+void TraceWorkTest::aChangeInsideAnAnnouncementIsForeignToo()
+{
+    DrawnTrace drawn;
+    drawn.trace->setPoints(zigzag(0, 40));
+    drawn.picture();
+    bool isFirst = true;
+    connect(drawn.trace, &QtCharts::QXYSeries::pointsReplaced, this, [&] {
+        if (std::exchange(isFirst, false))
+            drawn.trace->replace(0, QPointF(500, 900));
+    });
+    drawn.trace->appendPoints(zigzag(40, 45));
+    DrawnTrace fresh;
+    fresh.trace->setPoints(drawn.trace->pointsVector());
+    QCOMPARE(drawn.picture(), fresh.picture());
+}
+
+void TraceWorkTest::aPrintHasLinesAndNoImage()
+{
+    DrawnTrace drawn;
+    drawn.trace->setPoints(zigzag(0, 80));
+    QBuffer file;
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    {
+        QPdfWriter writer(&file);
+        QPainter painter(&writer);
+        drawn.view.viewport()->render(&painter);
+    }
+    QVERIFY(file.data().startsWith("%PDF"));
+    QVERIFY(!file.data().contains("/Subtype /Image"));
+    // That of a picture of pixels has one.
+    QBuffer other;
+    QVERIFY(other.open(QIODevice::WriteOnly));
+    {
+        QPdfWriter writer(&other);
+        QPainter painter(&writer);
+        painter.drawImage(0, 0, drawn.picture());
+    }
+    QVERIFY(other.data().contains("/Subtype /Image"));
 }
 
 QTEST_MAIN(TraceWorkTest)
