@@ -1,5 +1,6 @@
 #include "SynchronisedDriveTool.h"
 
+#include "ChartItems.h"
 #include "ChartView.h"
 #include "TraceSeries.h"
 #include "ui_SynchronisedDriveTool.h"
@@ -104,7 +105,7 @@ void SynchronisedDriveTool::initSeries()
 
 void SynchronisedDriveTool::initTargetSeries()
 {
-    chart->addSeries(targetSeries);
+    drive::addMarkers(chart, targetSeries);
     targetSeries->setName(QStringLiteral("target position"));
     targetSeries->setMarkerShape(QtCharts::QScatterSeries::MarkerShapeRectangle);
     targetSeries->setMarkerSize(targetMarkerSize);
@@ -113,7 +114,7 @@ void SynchronisedDriveTool::initTargetSeries()
 
 void SynchronisedDriveTool::initActualSeries()
 {
-    chart->addSeries(actualSeries);
+    drive::addMarkers(chart, actualSeries);
     actualSeries->setName(QStringLiteral("actual position"));
     actualSeries->setMarkerShape(QtCharts::QScatterSeries::MarkerShapeCircle);
     actualSeries->setPen(QPen(QBrush(actualSeries->color(), Qt::SolidPattern), actualPenWidth,

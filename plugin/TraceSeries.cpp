@@ -1,5 +1,6 @@
 #include "TraceSeries.h"
 
+#include "ChartItems.h"
 #include "TraceItem.h"
 
 #include <QSignalBlocker>
@@ -14,17 +15,10 @@ TraceSeries::~TraceSeries()
 
 void TraceSeries::addTo(QtCharts::QChart *chart)
 {
-    const QList<QGraphicsItem *> before = chart->childItems();
-    chart->addSeries(this);
-    const QList<QGraphicsItem *> after = chart->childItems();
-    for (QGraphicsItem *chartItem : after) {
-        if (before.contains(chartItem) || !chartItem->toGraphicsObject())
-            continue;
-        // The chart's item follows the ranges of the axes from now on, but not the points.
-        disconnect(this, nullptr, chartItem->toGraphicsObject(), nullptr);
-        item = new TraceItem(chart, this, chartItem);
-        return;
-    }
+    QGraphicsObject *const chartItem = drive::addSeries(chart, this);
+    // It follows the ranges of the axes from now on, but not the points.
+    disconnect(this, nullptr, chartItem, nullptr);
+    item = new TraceItem(chart, this, chartItem);
 }
 
 void TraceSeries::appendPoints(const QVector<QPointF> &points)

@@ -4,6 +4,7 @@
 
 #include <QBuffer>
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QPdfWriter>
 #include <QPushButton>
 #include <QSpinBox>
@@ -11,6 +12,7 @@
 #include <QWheelEvent>
 #include <QtCharts/QLegend>
 
+#include <cmath>
 #include <utility>
 
 // Work is counted and not timed: by what a reader of the trace is told of, and by the pixels that
@@ -139,6 +141,32 @@ void addRatios()
     QTest::newRow("2.75 pixels a unit") << 2.75;
 }
 
+/// What a tick takes away is painted behind what it adds.
+void paintAll()
+{
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::sendPostedEvents();
+}
+
+/// Counts the pixels that a widget is asked to paint.
+class PaintedArea : public QObject
+{
+public:
+    explicit PaintedArea(QWidget *widget) { widget->installEventFilter(this); }
+    int take() { return std::exchange(pixels, 0); }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint)
+            pixels += area(static_cast<QPaintEvent *>(event)->region());
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    int pixels = 0;
+};
+
 QVector<QPointF> zigzag(int first, int last)
 {
     QVector<QPointF> points;
@@ -176,6 +204,8 @@ private slots:
     void foreignChangesDrawEverythingAnew();
     void aChangeInsideAnAnnouncementIsForeignToo();
     void aPrintHasLinesAndNoImage();
+    void aTickPaintsOnlyWhatChanged();
+    void aPickPaintsOnlyTheMarker();
 };
 
 void TraceWorkTest::aTickChangesTheTraceOnce()
@@ -490,6 +520,43 @@ void TraceWorkTest::aPrintHasLinesAndNoImage()
         painter.drawImage(0, 0, drawn.picture());
     }
     QVERIFY(other.data().contains("/Subtype /Image"));
+}
+
+void TraceWorkTest::aTickPaintsOnlyWhatChanged()
+{
+    WorkBench bench;
+    bench.widget<QSpinBox>("spTraces")->setValue(400);
+    // A long way round, so that the oldest and the newest points are far from each other.
+    double angle = 0;
+    const auto drive = [&](int points) {
+        for (; points > 0; --points, angle += 0.01)
+            bench.sample(qRound(6000 * std::cos(angle)), qRound(6000 * std::sin(angle)));
+        bench.updateTick();
+    };
+    drive(500);
+    paintAll();
+    PaintedArea painted(bench.view()->viewport());
+    for (int tick = 0; tick < 10; ++tick) {
+        drive(20);
+        paintAll();
+        QVERIFY(painted.take() < area(bench.chart()->plotArea().toAlignedRect()) / 8);
+    }
+}
+
+void TraceWorkTest::aPickPaintsOnlyTheMarker()
+{
+    WorkBench bench;
+    bench.saw(300);
+    bench.updateTick();
+    QCoreApplication::sendPostedEvents();
+    PaintedArea painted(bench.view()->viewport());
+    for (int x : {-3000, 100, 5000}) {
+        QVERIFY(bench.setTarget(QPointF(x, 700), QPoint()));
+        QCoreApplication::sendPostedEvents();
+        const int pixels = painted.take();
+        QVERIFY(pixels > 0);
+        QVERIFY(pixels < 3 * 40 * 40);
+    }
 }
 
 QTEST_MAIN(TraceWorkTest)
