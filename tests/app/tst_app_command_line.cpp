@@ -17,7 +17,7 @@ CommandLine parsed(const QString &line)
 
 } // namespace
 
-class CommandLineTest : public QObject
+class AppCommandLineTest : public QObject
 {
     Q_OBJECT
 
@@ -37,7 +37,7 @@ private slots:
     void printsHelpAndVersion();
 };
 
-void CommandLineTest::hasUsableDefaults()
+void AppCommandLineTest::hasUsableDefaults()
 {
     const CommandLine result = parsed(QString());
     QCOMPARE(result.outcome, CommandLine::Run);
@@ -51,7 +51,7 @@ void CommandLineTest::hasUsableDefaults()
     QVERIFY(result.options.pluginsFolder.endsWith(QLatin1String("/workbench/plugins")));
 }
 
-void CommandLineTest::takesEveryOption()
+void AppCommandLineTest::takesEveryOption()
 {
     const CommandLine result =
         parsed(QStringLiteral("--unattended --picture p.png --record r.csv --chip c.xml "
@@ -67,14 +67,14 @@ void CommandLineTest::takesEveryOption()
     QCOMPARE(options.linkCostNs, 7000);
 }
 
-void CommandLineTest::takesAFlightPath()
+void AppCommandLineTest::takesAFlightPath()
 {
     const CommandLine result = parsed(QStringLiteral("--unattended --flight-path p/a.csv"));
     QCOMPARE(result.outcome, CommandLine::Run);
     QCOMPARE(result.options.flightPathFile, QStringLiteral("p/a.csv"));
 }
 
-void CommandLineTest::takesLinkCosts_data()
+void AppCommandLineTest::takesLinkCosts_data()
 {
     QTest::addColumn<QString>("line");
     QTest::addColumn<qint64>("costNs");
@@ -84,7 +84,7 @@ void CommandLineTest::takesLinkCosts_data()
         << QStringLiteral("--link-cost 5 --link-cost 6") << qint64(6000);
 }
 
-void CommandLineTest::takesLinkCosts()
+void AppCommandLineTest::takesLinkCosts()
 {
     QFETCH(QString, line);
     QFETCH(qint64, costNs);
@@ -92,7 +92,7 @@ void CommandLineTest::takesLinkCosts()
     QCOMPARE(parsed(line).options.linkCostNs, costNs);
 }
 
-void CommandLineTest::takesClocks()
+void AppCommandLineTest::takesClocks()
 {
     QVERIFY(!parsed(QStringLiteral("--unattended")).options.isTimeSimulated);
     QVERIFY(!parsed(QStringLiteral("--unattended --clock real")).options.isTimeSimulated);
@@ -104,7 +104,7 @@ void CommandLineTest::takesClocks()
     QCOMPARE(fast.options.linkCostNs, 1000);
 }
 
-void CommandLineTest::takesCampaigns()
+void AppCommandLineTest::takesCampaigns()
 {
     const Options plain = parsed(QStringLiteral("--unattended")).options;
     QCOMPARE(plain.randomMoves, 0);
@@ -120,7 +120,7 @@ void CommandLineTest::takesCampaigns()
              7);
 }
 
-void CommandLineTest::takesTargets_data()
+void AppCommandLineTest::takesTargets_data()
 {
     QTest::addColumn<QString>("line");
     QTest::addColumn<QVector<QPoint>>("targets");
@@ -132,7 +132,7 @@ void CommandLineTest::takesTargets_data()
         << QStringLiteral("--target 3,4 --target 1,2") << Points{{3, 4}, {1, 2}};
 }
 
-void CommandLineTest::takesTargets()
+void AppCommandLineTest::takesTargets()
 {
     QFETCH(QString, line);
     QFETCH(QVector<QPoint>, targets);
@@ -141,7 +141,7 @@ void CommandLineTest::takesTargets()
     QCOMPARE(result.options.targets, targets);
 }
 
-void CommandLineTest::refusesWithOneLine_data()
+void AppCommandLineTest::refusesWithOneLine_data()
 {
     QTest::addColumn<QString>("line");
     QTest::addColumn<QString>("mentions");
@@ -191,7 +191,7 @@ void CommandLineTest::refusesWithOneLine_data()
     row("target without a run", "--target 1,2", "--unattended");
 }
 
-void CommandLineTest::refusesWithOneLine()
+void AppCommandLineTest::refusesWithOneLine()
 {
     QFETCH(QString, line);
     QFETCH(QString, mentions);
@@ -201,7 +201,7 @@ void CommandLineTest::refusesWithOneLine()
     QVERIFY(!result.text.contains(QLatin1Char('\n')));
 }
 
-void CommandLineTest::refusesAnEmptyName()
+void AppCommandLineTest::refusesAnEmptyName()
 {
     const CommandLine result =
         parseCommandLine({QStringLiteral("workbench"), QStringLiteral("--chip"), QString()});
@@ -209,7 +209,7 @@ void CommandLineTest::refusesAnEmptyName()
     QVERIFY(result.text.contains(QLatin1String("--chip")));
 }
 
-void CommandLineTest::printsHelpAndVersion()
+void AppCommandLineTest::printsHelpAndVersion()
 {
     const CommandLine help = parsed(QStringLiteral("--help"));
     QCOMPARE(help.outcome, CommandLine::PrintText);
@@ -222,5 +222,5 @@ void CommandLineTest::printsHelpAndVersion()
     QCOMPARE(version.text, QStringLiteral("workbench 4.6.0\n"));
 }
 
-QTEST_GUILESS_MAIN(CommandLineTest)
+QTEST_GUILESS_MAIN(AppCommandLineTest)
 #include "tst_app_command_line.moc"

@@ -27,7 +27,7 @@ MoveResult moveThrough(const QVector<Sample> &samples)
 
 Q_DECLARE_METATYPE(workbench::PanelView)
 
-class MeasuresTest : public QObject
+class AppMeasuresTest : public QObject
 {
     Q_OBJECT
 
@@ -46,7 +46,7 @@ private slots:
     void ratesAreThoseBetweenTwoUpdates();
 };
 
-void MeasuresTest::distanceIsToTheNearestPointOfALeg_data()
+void AppMeasuresTest::distanceIsToTheNearestPointOfALeg_data()
 {
     QTest::addColumn<QPointF>("point");
     QTest::addColumn<QPointF>("a");
@@ -59,7 +59,7 @@ void MeasuresTest::distanceIsToTheNearestPointOfALeg_data()
     QTest::newRow("no length") << QPointF(3, 4) << QPointF(0, 0) << QPointF(0, 0) << 5.0;
 }
 
-void MeasuresTest::distanceIsToTheNearestPointOfALeg()
+void AppMeasuresTest::distanceIsToTheNearestPointOfALeg()
 {
     QFETCH(QPointF, point);
     QFETCH(QPointF, a);
@@ -68,7 +68,7 @@ void MeasuresTest::distanceIsToTheNearestPointOfALeg()
     QCOMPARE(distanceFromSegment(point, a, b) + 1, distance + 1);
 }
 
-void MeasuresTest::deviationIsTheLargestOfAllSamples()
+void AppMeasuresTest::deviationIsTheLargestOfAllSamples()
 {
     const QVector<Sample> samples{{0, {0, 0}}, {1, {50, 7}}, {2, {60, -4}}, {3, {100, 0}}};
     QCOMPARE(largestDistanceFromPath(samples, {{0, 0}, {100, 0}}), 7.0);
@@ -76,7 +76,7 @@ void MeasuresTest::deviationIsTheLargestOfAllSamples()
     QCOMPARE(largestDeviation(moveThrough(samples)), 7.0);
 }
 
-void MeasuresTest::durationEndsWithTheArrival()
+void AppMeasuresTest::durationEndsWithTheArrival()
 {
     const auto move = moveThrough({{second, {0, 0}},
                                    {2 * second, {5, 0}},
@@ -87,13 +87,13 @@ void MeasuresTest::durationEndsWithTheArrival()
     QCOMPARE(durationSeconds(moveThrough({{second, {3, 3}}, {2 * second, {3, 3}}})), 0.0);
 }
 
-void MeasuresTest::samplesAreCountedOverTheirTime()
+void AppMeasuresTest::samplesAreCountedOverTheirTime()
 {
     QCOMPARE(samplesPerSecond(moveThrough({{0, {}}, {second / 4, {}}, {second / 2, {}}})), 4.0);
     QCOMPARE(samplesPerSecond(moveThrough({{0, {}}})), 0.0);
 }
 
-void MeasuresTest::turnedMoveIsMeasuredAgainstBothLegs()
+void AppMeasuresTest::turnedMoveIsMeasuredAgainstBothLegs()
 {
     auto move = moveThrough({{0, {0, 0}}, {1, {100, 0}}, {2, {103, 50}}, {3, {100, 100}}});
     move.planned.kind = ScriptedMove::Turned;
@@ -102,7 +102,7 @@ void MeasuresTest::turnedMoveIsMeasuredAgainstBothLegs()
     QCOMPARE(largestDeviation(move), 3.0);
 }
 
-void MeasuresTest::stoppedMoveIsMeasuredBeforeTheStop()
+void AppMeasuresTest::stoppedMoveIsMeasuredBeforeTheStop()
 {
     auto move = moveThrough({{0, {0, 0}}, {1, {50, 2}}, {2, {60, 40}}});
     move.planned.kind = ScriptedMove::Stopped;
@@ -111,7 +111,7 @@ void MeasuresTest::stoppedMoveIsMeasuredBeforeTheStop()
     QCOMPARE(largestDeviation(move), 2.0);
 }
 
-void MeasuresTest::viewIsWidenedToShowPoints_data()
+void AppMeasuresTest::viewIsWidenedToShowPoints_data()
 {
     QTest::addColumn<QVector<QPoint>>("points");
     QTest::addColumn<PanelView>("expected");
@@ -125,7 +125,7 @@ void MeasuresTest::viewIsWidenedToShowPoints_data()
         << Points{{-8388608, 8388607}} << PanelView{-8388352, 256, -256, 8388352};
 }
 
-void MeasuresTest::viewIsWidenedToShowPoints()
+void AppMeasuresTest::viewIsWidenedToShowPoints()
 {
     QFETCH(QVector<QPoint>, points);
     QFETCH(PanelView, expected);
@@ -136,7 +136,7 @@ void MeasuresTest::viewIsWidenedToShowPoints()
     QCOMPARE(wide.top, expected.top);
 }
 
-void MeasuresTest::closeUpIsTheSmallestViewAroundAPoint_data()
+void AppMeasuresTest::closeUpIsTheSmallestViewAroundAPoint_data()
 {
     QTest::addColumn<QPoint>("point");
     QTest::addColumn<int>("left");
@@ -147,7 +147,7 @@ void MeasuresTest::closeUpIsTheSmallestViewAroundAPoint_data()
     QTest::newRow("upper end") << QPoint(8388352, 8388352) << 8388352 - 512;
 }
 
-void MeasuresTest::closeUpIsTheSmallestViewAroundAPoint()
+void AppMeasuresTest::closeUpIsTheSmallestViewAroundAPoint()
 {
     QFETCH(QPoint, point);
     QFETCH(int, left);
@@ -156,7 +156,7 @@ void MeasuresTest::closeUpIsTheSmallestViewAroundAPoint()
     QVERIFY((close == PanelView{left, left + 512, left, left + 512}));
 }
 
-void MeasuresTest::ratesAreThoseBetweenTwoUpdates()
+void AppMeasuresTest::ratesAreThoseBetweenTwoUpdates()
 {
     LinkRates rates;
     rates.update({10, 0, 20}, 5 * second);
@@ -169,5 +169,5 @@ void MeasuresTest::ratesAreThoseBetweenTwoUpdates()
     QCOMPARE(rates.samplesPerSecond(), 0.0);
 }
 
-QTEST_APPLESS_MAIN(MeasuresTest)
+QTEST_APPLESS_MAIN(AppMeasuresTest)
 #include "tst_app_measures.moc"

@@ -13,7 +13,7 @@ using workbench::Sample;
 using workbench::SampleTap;
 using workbench::SimulatedModule;
 
-class SimulatedModuleTest : public QObject
+class AppModuleTest : public QObject
 {
     Q_OBJECT
 
@@ -40,20 +40,20 @@ private:
     std::unique_ptr<SimulatedModule> module;
 };
 
-void SimulatedModuleTest::init()
+void AppModuleTest::init()
 {
     const auto chip = readShippedChip();
     QVERIFY(chip);
     module = std::make_unique<SimulatedModule>(*chip, clock);
 }
 
-void SimulatedModuleTest::isRegisteredUnderItsKey()
+void AppModuleTest::isRegisteredUnderItsKey()
 {
     QCOMPARE(HostRegistry::plugin(QStringLiteral("module-1/")), &module->hostModule());
     QCOMPARE(module->hostModule().name(), QStringLiteral("Dual axis"));
 }
 
-void SimulatedModuleTest::describesTheChipForBothMotors()
+void AppModuleTest::describesTheChipForBothMotors()
 {
     XmlProductIC *const first = module->hostModule().getIcProduct(0);
     QVERIFY(first);
@@ -73,7 +73,7 @@ void SimulatedModuleTest::describesTheChipForBothMotors()
     }
 }
 
-void SimulatedModuleTest::keepsReadOnlyRegistersReadOnly()
+void AppModuleTest::keepsReadOnlyRegistersReadOnly()
 {
     QVERIFY(!module->hostModule().writeChannelRegister(reg("M0_XACTUAL"), 0, 5));
     QCOMPARE(module->link().counts().total(), quint64(0));
@@ -81,7 +81,7 @@ void SimulatedModuleTest::keepsReadOnlyRegistersReadOnly()
     QCOMPARE(module->link().counts().total(), quint64(1));
 }
 
-void SimulatedModuleTest::requestsReachTheChipAndCostTime()
+void AppModuleTest::requestsReachTheChipAndCostTime()
 {
     const qint64 before = clock.now();
     QVERIFY(module->hostModule().writeChannelRegister(reg("M1_VMAX"), 1, 1234));
@@ -91,14 +91,14 @@ void SimulatedModuleTest::requestsReachTheChipAndCostTime()
     QCOMPARE(clock.now() - before, 2 * module->link().requestCostNs());
 }
 
-void SimulatedModuleTest::looksRegistersUpWithoutARequest()
+void AppModuleTest::looksRegistersUpWithoutARequest()
 {
     QCOMPARE(module->registerValue(QStringLiteral("M0_VMAX")), std::optional<int>(2000));
     QCOMPARE(module->registerValue(QStringLiteral("NOSUCH")), std::optional<int>());
     QCOMPARE(module->link().counts().total(), quint64(0));
 }
 
-void SimulatedModuleTest::catchesUpWithoutARequest()
+void AppModuleTest::catchesUpWithoutARequest()
 {
     QVERIFY(module->hostModule().writeChannelRegister(reg("RAMPMODE"), 0, 768));
     QVERIFY(module->hostModule().writeChannelRegister(reg("M0_XTARGET"), 0, 1000));
@@ -108,7 +108,7 @@ void SimulatedModuleTest::catchesUpWithoutARequest()
     QVERIFY(!module->chip().isMoving());
 }
 
-void SimulatedModuleTest::tapReportsThePositionsThatCameBack_data()
+void AppModuleTest::tapReportsThePositionsThatCameBack_data()
 {
     QTest::addColumn<int>("x");
     QTest::addColumn<int>("y");
@@ -117,7 +117,7 @@ void SimulatedModuleTest::tapReportsThePositionsThatCameBack_data()
     QTest::newRow("ends") << -8388608 << 8388607;
 }
 
-void SimulatedModuleTest::tapReportsThePositionsThatCameBack()
+void AppModuleTest::tapReportsThePositionsThatCameBack()
 {
     QFETCH(int, x);
     QFETCH(int, y);
@@ -138,7 +138,7 @@ void SimulatedModuleTest::tapReportsThePositionsThatCameBack()
     QCOMPARE(samples.constFirst().timeNs, clock.now());
 }
 
-void SimulatedModuleTest::tapReportsNoFailedRequest()
+void AppModuleTest::tapReportsNoFailedRequest()
 {
     SampleTap tap(module->link(), clock);
     int samples = 0;
@@ -154,5 +154,5 @@ void SimulatedModuleTest::tapReportsNoFailedRequest()
     QCOMPARE(value, 77);
 }
 
-QTEST_MAIN(SimulatedModuleTest)
+QTEST_MAIN(AppModuleTest)
 #include "tst_app_module.moc"

@@ -62,7 +62,7 @@ QString reasonFor(const PluginLoader &loader, const QString &fileName)
 
 } // namespace
 
-class PluginLoaderTest : public QObject
+class AppPluginLoaderTest : public QObject
 {
     Q_OBJECT
 
@@ -91,23 +91,23 @@ private:
     std::optional<workbench::ChipDescription> chip;
 };
 
-void PluginLoaderTest::initTestCase()
+void AppPluginLoaderTest::initTestCase()
 {
     chip = readShippedChip();
     QVERIFY(chip);
 }
 
-void PluginLoaderTest::init()
+void AppPluginLoaderTest::init()
 {
     folder = std::make_unique<QTemporaryDir>();
 }
 
-void PluginLoaderTest::copy(const char *from)
+void AppPluginLoaderTest::copy(const char *from)
 {
     QVERIFY(QFile::copy(QString::fromLocal8Bit(from), folder->filePath(fileName(from))));
 }
 
-void PluginLoaderTest::loadsTheToolOfTheBuildTree()
+void AppPluginLoaderTest::loadsTheToolOfTheBuildTree()
 {
     PluginLoader loader;
     loader.loadFolder(QFileInfo(QStringLiteral(DRIVE_PLUGIN)).absolutePath());
@@ -119,7 +119,7 @@ void PluginLoaderTest::loadsTheToolOfTheBuildTree()
     QVERIFY(loader.rejected().isEmpty());
 }
 
-void PluginLoaderTest::refusesAFileThatIsNoPlugIn()
+void AppPluginLoaderTest::refusesAFileThatIsNoPlugIn()
 {
     QFile garbage(folder->filePath(QStringLiteral("garbage.so")));
     QVERIFY(garbage.open(QIODevice::WriteOnly));
@@ -136,7 +136,7 @@ void PluginLoaderTest::refusesAFileThatIsNoPlugIn()
     QVERIFY(reason.size() > 20);
 }
 
-void PluginLoaderTest::refusesAnotherIdentifierWithoutLoadingTheFile()
+void AppPluginLoaderTest::refusesAnotherIdentifierWithoutLoadingTheFile()
 {
     copy(WRONG_IDENTIFIER_PLUGIN);
     PluginLoader loader;
@@ -147,7 +147,7 @@ void PluginLoaderTest::refusesAnotherIdentifierWithoutLoadingTheFile()
     QVERIFY(!qEnvironmentVariableIsSet("WRONG_IDENTIFIER_LOADED"));
 }
 
-void PluginLoaderTest::refusesAPlugInWithAMissingSymbol()
+void AppPluginLoaderTest::refusesAPlugInWithAMissingSymbol()
 {
     copy(MISSING_SYMBOL_PLUGIN);
     PluginLoader loader;
@@ -157,7 +157,7 @@ void PluginLoaderTest::refusesAPlugInWithAMissingSymbol()
     QVERIFY2(reason.contains(QLatin1String("operationOfSomeOtherHost")), qPrintable(reason));
 }
 
-void PluginLoaderTest::refusesAPlugInThatMakesNoTool()
+void AppPluginLoaderTest::refusesAPlugInThatMakesNoTool()
 {
     copy(NO_TOOL_PLUGIN);
     PluginLoader loader;
@@ -166,7 +166,7 @@ void PluginLoaderTest::refusesAPlugInThatMakesNoTool()
     QCOMPARE(reasonFor(loader, fileName(NO_TOOL_PLUGIN)), QStringLiteral("makes no tool"));
 }
 
-void PluginLoaderTest::goesOnAfterRefusedFiles()
+void AppPluginLoaderTest::goesOnAfterRefusedFiles()
 {
     copy(MISSING_SYMBOL_PLUGIN);
     copy(WRONG_IDENTIFIER_PLUGIN);
@@ -179,7 +179,7 @@ void PluginLoaderTest::goesOnAfterRefusedFiles()
              ToolsType::SynchronisedDriveTool);
 }
 
-void PluginLoaderTest::reportsAFolderThatDoesNotExist()
+void AppPluginLoaderTest::reportsAFolderThatDoesNotExist()
 {
     PluginLoader loader;
     loader.loadFolder(folder->filePath(QStringLiteral("nowhere")));
@@ -187,7 +187,7 @@ void PluginLoaderTest::reportsAFolderThatDoesNotExist()
     QCOMPARE(loader.rejected().constFirst().reason, QStringLiteral("no such folder"));
 }
 
-void PluginLoaderTest::toolsOutliveTheLoader()
+void AppPluginLoaderTest::toolsOutliveTheLoader()
 {
     workbench::SimulatedModule module(*chip, clock);
     auto loader = std::make_unique<PluginLoader>();
@@ -199,7 +199,7 @@ void PluginLoaderTest::toolsOutliveTheLoader()
     QVERIFY(tool->version().startsWith(QLatin1String("4.6.0")));
 }
 
-void PluginLoaderTest::makesOneToolForEachMotorOfItsRule_data()
+void AppPluginLoaderTest::makesOneToolForEachMotorOfItsRule_data()
 {
     QTest::addColumn<int>("type");
     QTest::addColumn<QStringList>("keys");
@@ -210,7 +210,7 @@ void PluginLoaderTest::makesOneToolForEachMotorOfItsRule_data()
                                    << first + QStringList{QStringLiteral("module-1/Prototype/1")};
 }
 
-void PluginLoaderTest::makesOneToolForEachMotorOfItsRule()
+void AppPluginLoaderTest::makesOneToolForEachMotorOfItsRule()
 {
     QFETCH(int, type);
     QFETCH(QStringList, keys);
@@ -228,12 +228,12 @@ void PluginLoaderTest::makesOneToolForEachMotorOfItsRule()
     QCOMPARE(made, keys);
 }
 
-void PluginLoaderTest::leavesOutAPrototypeThatMakesNothing()
+void AppPluginLoaderTest::leavesOutAPrototypeThatMakesNothing()
 {
     workbench::SimulatedModule module(*chip, clock);
     Prototype barren(ToolsType::PositionMode, false);
     QVERIFY(workbench::makeTools({&barren}, &module.hostModule()).isEmpty());
 }
 
-QTEST_MAIN(PluginLoaderTest)
+QTEST_MAIN(AppPluginLoaderTest)
 #include "tst_app_plugin_loader.moc"

@@ -53,7 +53,7 @@ private:
 
 } // namespace
 
-class RecordTest : public QObject
+class AppRecordTest : public QObject
 {
     Q_OBJECT
 
@@ -80,19 +80,19 @@ private:
     QScopedPointer<QTemporaryDir> folder;
 };
 
-void RecordTest::init()
+void AppRecordTest::init()
 {
     folder.reset(new QTemporaryDir);
     QVERIFY(folder->isValid());
 }
 
-void RecordTest::cleanup()
+void AppRecordTest::cleanup()
 {
     folder.reset();
     QLocale::setDefault(QLocale::c());
 }
 
-void RecordTest::writesAHeaderAndALineForEachSample()
+void AppRecordTest::writesAHeaderAndALineForEachSample()
 {
     RecordWriter writer;
     QCOMPARE(writer.begin(path("r.csv")), QString());
@@ -105,7 +105,7 @@ void RecordTest::writesAHeaderAndALineForEachSample()
     QCOMPARE(writer.sampleCount(), qint64(2));
 }
 
-void RecordTest::isTheSameInEveryLocale()
+void AppRecordTest::isTheSameInEveryLocale()
 {
     QLocale::setDefault(QLocale(QLocale::French, QLocale::France));
     RecordWriter writer;
@@ -116,7 +116,7 @@ void RecordTest::isTheSameInEveryLocale()
     QVERIFY(contents(path("r.csv")).endsWith("\n1.500000,123456,-2\n"));
 }
 
-void RecordTest::appearsWithTheFinishOnly()
+void AppRecordTest::appearsWithTheFinishOnly()
 {
     RecordWriter writer;
     QCOMPARE(writer.begin(path("r.csv")), QString());
@@ -126,7 +126,7 @@ void RecordTest::appearsWithTheFinishOnly()
     QCOMPARE(files(), QStringList{QStringLiteral("r.csv")});
 }
 
-void RecordTest::abortLeavesNothing()
+void AppRecordTest::abortLeavesNothing()
 {
     {
         RecordWriter writer;
@@ -137,7 +137,7 @@ void RecordTest::abortLeavesNothing()
     QCOMPARE(files(), QStringList());
 }
 
-void RecordTest::abortLeavesAnExistingFileAlone()
+void AppRecordTest::abortLeavesAnExistingFileAlone()
 {
     fill(path("r.csv"), "from before");
     {
@@ -149,7 +149,7 @@ void RecordTest::abortLeavesAnExistingFileAlone()
     QCOMPARE(files(), QStringList{QStringLiteral("r.csv")});
 }
 
-void RecordTest::refusesWhatIsNoOrdinaryFile_data()
+void AppRecordTest::refusesWhatIsNoOrdinaryFile_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("reason");
@@ -160,7 +160,7 @@ void RecordTest::refusesWhatIsNoOrdinaryFile_data()
                             << QStringLiteral("is not an ordinary file");
 }
 
-void RecordTest::refusesWhatIsNoOrdinaryFile()
+void AppRecordTest::refusesWhatIsNoOrdinaryFile()
 {
     QFETCH(QString, name);
     QFETCH(QString, reason);
@@ -168,7 +168,7 @@ void RecordTest::refusesWhatIsNoOrdinaryFile()
     QCOMPARE(writer.begin(name), QStringLiteral("%1: %2").arg(name, reason));
 }
 
-void RecordTest::fullDiskLeavesAnExistingFileAlone()
+void AppRecordTest::fullDiskLeavesAnExistingFileAlone()
 {
     fill(path("r.csv"), "from before");
     QString fault;
@@ -186,7 +186,7 @@ void RecordTest::fullDiskLeavesAnExistingFileAlone()
     QCOMPARE(files(), QStringList{QStringLiteral("r.csv")});
 }
 
-void RecordTest::writesNothingWithoutABegin()
+void AppRecordTest::writesNothingWithoutABegin()
 {
     RecordWriter writer;
     writer.append({0, {1, 2}});
@@ -194,7 +194,7 @@ void RecordTest::writesNothingWithoutABegin()
     QCOMPARE(writer.sampleCount(), qint64(0));
 }
 
-void RecordTest::pictureHasTwiceThePanelsSize()
+void AppRecordTest::pictureHasTwiceThePanelsSize()
 {
     QWidget panel;
     panel.resize(120, 80);
@@ -207,7 +207,7 @@ void RecordTest::pictureHasTwiceThePanelsSize()
     QCOMPARE(image.pixelColor(200, 140), expected);
 }
 
-void RecordTest::pictureRefusesAFolderThatDoesNotExist()
+void AppRecordTest::pictureRefusesAFolderThatDoesNotExist()
 {
     QWidget panel;
     const QString name = QStringLiteral("/no/such/folder/p.png");
@@ -215,5 +215,5 @@ void RecordTest::pictureRefusesAFolderThatDoesNotExist()
              name + QStringLiteral(": its folder does not exist"));
 }
 
-QTEST_MAIN(RecordTest)
+QTEST_MAIN(AppRecordTest)
 #include "tst_app_record.moc"

@@ -39,7 +39,7 @@ Move plainMove(const QString &line)
 
 } // namespace
 
-class RunTest : public QObject
+class AppRunTest : public QObject
 {
     Q_OBJECT
 
@@ -61,13 +61,13 @@ private:
     std::unique_ptr<ProgramBench> bench;
 };
 
-void RunTest::init()
+void AppRunTest::init()
 {
     bench = std::make_unique<ProgramBench>();
     QVERIFY(bench->isValid());
 }
 
-void RunTest::carriesTheBuiltInRunOutAndLeavesPictureAndRecord()
+void AppRunTest::carriesTheBuiltInRunOutAndLeavesPictureAndRecord()
 {
     const ProgramBench::Ending ending =
         bench->run({QStringLiteral("--unattended"), QStringLiteral("--clock"),
@@ -112,7 +112,7 @@ void RunTest::carriesTheBuiltInRunOutAndLeavesPictureAndRecord()
     }
 }
 
-void RunTest::drivesToGivenTargetsExactly()
+void AppRunTest::drivesToGivenTargetsExactly()
 {
     const ProgramBench::Ending ending = bench->run(
         {QStringLiteral("--unattended"), QStringLiteral("--target"), QStringLiteral("700,-311"),
@@ -125,7 +125,7 @@ void RunTest::drivesToGivenTargetsExactly()
     QVERIFY(ending.output.at(1).contains(QLatin1String("asked for -1,259")));
 }
 
-void RunTest::failsWithoutThePlugIn()
+void AppRunTest::failsWithoutThePlugIn()
 {
     const ProgramBench::Ending ending =
         bench->run({QStringLiteral("--unattended"), QStringLiteral("--plugins"), bench->path()});
@@ -136,7 +136,7 @@ void RunTest::failsWithoutThePlugIn()
                          bench->path()});
 }
 
-void RunTest::failsBeforeTheRunWhenAFileCannotBeWritten()
+void AppRunTest::failsBeforeTheRunWhenAFileCannotBeWritten()
 {
     const ProgramBench::Ending ending = bench->run(
         {QStringLiteral("--unattended"), QStringLiteral("--picture"), QStringLiteral("p.png"),
@@ -148,7 +148,7 @@ void RunTest::failsBeforeTheRunWhenAFileCannotBeWritten()
     QCOMPARE(bench->files(), QStringList());
 }
 
-void RunTest::interruptedRunLeavesNoRecord()
+void AppRunTest::interruptedRunLeavesNoRecord()
 {
     const auto process = bench->start(
         {QStringLiteral("--unattended"), QStringLiteral("--record"), QStringLiteral("r.csv")});
@@ -163,7 +163,7 @@ void RunTest::interruptedRunLeavesNoRecord()
     QCOMPARE(bench->files(), QStringList());
 }
 
-void RunTest::wrongOptionsExitWithTwo_data()
+void AppRunTest::wrongOptionsExitWithTwo_data()
 {
     QTest::addColumn<QStringList>("arguments");
     QTest::newRow("unknown") << QStringList{QStringLiteral("--nonsense")};
@@ -173,7 +173,7 @@ void RunTest::wrongOptionsExitWithTwo_data()
         << QStringList{QStringLiteral("--link-cost"), QStringLiteral("much")};
 }
 
-void RunTest::wrongOptionsExitWithTwo()
+void AppRunTest::wrongOptionsExitWithTwo()
 {
     QFETCH(QStringList, arguments);
     const ProgramBench::Ending ending = bench->run(arguments);
@@ -182,7 +182,7 @@ void RunTest::wrongOptionsExitWithTwo()
     QCOMPARE(ending.complaints.size(), 1);
 }
 
-void RunTest::brokenChipDescriptionExitsWithTwo()
+void AppRunTest::brokenChipDescriptionExitsWithTwo()
 {
     QFile file(bench->filePath(QStringLiteral("broken.xml")));
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -196,7 +196,7 @@ void RunTest::brokenChipDescriptionExitsWithTwo()
              qPrintable(ending.complaints.constFirst()));
 }
 
-void RunTest::missingChipDescriptionExitsWithTwo()
+void AppRunTest::missingChipDescriptionExitsWithTwo()
 {
     const ProgramBench::Ending ending =
         bench->run({QStringLiteral("--chip"), QStringLiteral("none.xml")});
@@ -205,12 +205,12 @@ void RunTest::missingChipDescriptionExitsWithTwo()
     QVERIFY(ending.complaints.constFirst().startsWith(QLatin1String("workbench: none.xml: ")));
 }
 
-void RunTest::printsItsVersion()
+void AppRunTest::printsItsVersion()
 {
     const ProgramBench::Ending ending = bench->run({QStringLiteral("--version")});
     QCOMPARE(ending.exitCode, 0);
     QCOMPARE(ending.output, QStringList{QStringLiteral("workbench 4.6.0")});
 }
 
-QTEST_GUILESS_MAIN(RunTest)
+QTEST_GUILESS_MAIN(AppRunTest)
 #include "tst_app_run.moc"

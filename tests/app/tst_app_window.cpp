@@ -61,7 +61,7 @@ public:
 
 } // namespace
 
-class WindowTest : public QObject
+class AppWindowTest : public QObject
 {
     Q_OBJECT
 
@@ -108,13 +108,13 @@ private:
     std::unique_ptr<MainWindow> window;
 };
 
-void WindowTest::initTestCase()
+void AppWindowTest::initTestCase()
 {
     silenceHeadlessPlatform();
     AppSettings().clear();
 }
 
-void WindowTest::init()
+void AppWindowTest::init()
 {
     const auto chip = readShippedChip();
     QVERIFY(chip);
@@ -124,7 +124,7 @@ void WindowTest::init()
     window->show();
 }
 
-void WindowTest::cleanup()
+void AppWindowTest::cleanup()
 {
     window.reset();
     module.reset();
@@ -132,7 +132,7 @@ void WindowTest::cleanup()
     QLoggingCategory::setFilterRules(QString());
 }
 
-void WindowTest::listsModuleAndToolsWithIconAndName()
+void AppWindowTest::listsModuleAndToolsWithIconAndName()
 {
     addTool(0);
     addTool(1);
@@ -146,7 +146,7 @@ void WindowTest::listsModuleAndToolsWithIconAndName()
     QVERIFY(!entry->child(0)->icon(0).isNull());
 }
 
-void WindowTest::addedToolIsNotOnScreen()
+void AppWindowTest::addedToolIsNotOnScreen()
 {
     const StubTool *const tool = addTool();
     QVERIFY(!tool->isVisible());
@@ -154,7 +154,7 @@ void WindowTest::addedToolIsNotOnScreen()
     QVERIFY(tool->calls.isEmpty());
 }
 
-void WindowTest::openingShowsTheToolOnce()
+void AppWindowTest::openingShowsTheToolOnce()
 {
     const StubTool *const tool = addTool();
     window->openTool(tool->key());
@@ -165,7 +165,7 @@ void WindowTest::openingShowsTheToolOnce()
     QCOMPARE(window->toolWindow(tool->key())->windowTitle(), QStringLiteral("Stub 0"));
 }
 
-void WindowTest::closingHidesTheToolOnceAndKeepsIt()
+void AppWindowTest::closingHidesTheToolOnceAndKeepsIt()
 {
     const QPointer<StubTool> tool(addTool());
     window->openTool(tool->key());
@@ -180,7 +180,7 @@ void WindowTest::closingHidesTheToolOnceAndKeepsIt()
     QCOMPARE(window->toolWindow(tool->key()), toolWindow);
 }
 
-void WindowTest::reopeningShowsTheToolAgain()
+void AppWindowTest::reopeningShowsTheToolAgain()
 {
     const StubTool *const tool = addTool();
     window->openTool(tool->key());
@@ -191,7 +191,7 @@ void WindowTest::reopeningShowsTheToolAgain()
              (QStringList{QStringLiteral("show"), QStringLiteral("hide"), QStringLiteral("show")}));
 }
 
-void WindowTest::minimisingDoesNotHideTheTool()
+void AppWindowTest::minimisingDoesNotHideTheTool()
 {
     const StubTool *const tool = addTool();
     window->openTool(tool->key());
@@ -202,7 +202,7 @@ void WindowTest::minimisingDoesNotHideTheTool()
     QCOMPARE(tool->calls, QStringList{QStringLiteral("show")});
 }
 
-void WindowTest::opensFromTheTree()
+void AppWindowTest::opensFromTheTree()
 {
     const StubTool *const tool = addTool();
     auto *const tree = window->findChild<workbench::DeviceTreeView *>();
@@ -211,7 +211,7 @@ void WindowTest::opensFromTheTree()
     QCOMPARE(tool->calls, QStringList{QStringLiteral("show")});
 }
 
-void WindowTest::opensOnADeviceTreeOperation()
+void AppWindowTest::opensOnADeviceTreeOperation()
 {
     StubTool *const asking = addTool(0);
     const StubTool *const other = addTool(1);
@@ -220,7 +220,7 @@ void WindowTest::opensOnADeviceTreeOperation()
     QVERIFY(asking->calls.isEmpty());
 }
 
-void WindowTest::tellsSiblings()
+void AppWindowTest::tellsSiblings()
 {
     const StubTool *const first = addTool(0);
     const StubTool *const second = addTool(1);
@@ -231,7 +231,7 @@ void WindowTest::tellsSiblings()
     QVERIFY(first->siblings.isEmpty());
 }
 
-void WindowTest::marksOpenToolsInTheTree()
+void AppWindowTest::marksOpenToolsInTheTree()
 {
     const StubTool *const tool = addTool();
     const auto *const tree = window->findChild<workbench::DeviceTreeView *>();
@@ -242,7 +242,7 @@ void WindowTest::marksOpenToolsInTheTree()
     QVERIFY(!tree->item(tool->key())->font(0).bold());
 }
 
-void WindowTest::honoursTheWindowFlagsOfTheTool()
+void AppWindowTest::honoursTheWindowFlagsOfTheTool()
 {
     const Qt::WindowFlags hints = Qt::SubWindow | Qt::CustomizeWindowHint | Qt::WindowTitleHint;
     const StubTool *const tool = addTool(0, static_cast<unsigned int>(hints));
@@ -252,7 +252,7 @@ void WindowTest::honoursTheWindowFlagsOfTheTool()
     QVERIFY(!flags.testFlag(Qt::WindowCloseButtonHint));
 }
 
-void WindowTest::givesAFullFrameForTheFlagsOfTheDriveTool()
+void AppWindowTest::givesAFullFrameForTheFlagsOfTheDriveTool()
 {
     const StubTool *const tool = addTool(0, 18);
     const Qt::WindowFlags flags = window->toolWindow(tool->key())->windowFlags();
@@ -261,7 +261,7 @@ void WindowTest::givesAFullFrameForTheFlagsOfTheDriveTool()
     QVERIFY(flags.testFlag(Qt::WindowCloseButtonHint));
 }
 
-void WindowTest::animatesUnlessTheToolObjects()
+void AppWindowTest::animatesUnlessTheToolObjects()
 {
     const StubTool *const still = addTool(0);
     StubTool *const lively = addTool(1);
@@ -273,7 +273,7 @@ void WindowTest::animatesUnlessTheToolObjects()
     QTRY_VERIFY(!window->toolWindow(lively->key())->findChild<QPropertyAnimation *>());
 }
 
-void WindowTest::survivesAToolThatIsDeleted()
+void AppWindowTest::survivesAToolThatIsDeleted()
 {
     StubTool *const tool = addTool();
     const QString key = tool->key();
@@ -285,7 +285,7 @@ void WindowTest::survivesAToolThatIsDeleted()
     QVERIFY(!window->toolWindow(key)->tool());
 }
 
-void WindowTest::endTellsTheToolsAndDeletesThem()
+void AppWindowTest::endTellsTheToolsAndDeletesThem()
 {
     int exits = 0;
     const QPointer<StubTool> tool(addTool());
@@ -295,7 +295,7 @@ void WindowTest::endTellsTheToolsAndDeletesThem()
     QCOMPARE(exits, 1);
 }
 
-void WindowTest::showsMessagesOfBeforeAndAfter()
+void AppWindowTest::showsMessagesOfBeforeAndAfter()
 {
     bool hasArrived = false;
     connect(log.get(), &workbench::MessageLog::added, this, [&](const workbench::LogEntry &entry) {
@@ -313,7 +313,7 @@ void WindowTest::showsMessagesOfBeforeAndAfter()
     QTRY_VERIFY(text->toPlainText().contains(QLatin1String("error   said after")));
 }
 
-void WindowTest::switchesTheLowLevelLines()
+void AppWindowTest::switchesTheLowLevelLines()
 {
     auto *const box = window->findChild<QCheckBox *>(QStringLiteral("lowLevelLines"));
     QVERIFY(!box->isChecked());
@@ -324,13 +324,13 @@ void WindowTest::switchesTheLowLevelLines()
     QVERIFY(!debLowLevel().isDebugEnabled());
 }
 
-void WindowTest::showsStatusMessagesOfTools()
+void AppWindowTest::showsStatusMessagesOfTools()
 {
     addTool()->showStatusMessage(QStringLiteral("done so"), 0);
     QCOMPARE(window->statusBar()->currentMessage(), QStringLiteral("done so"));
 }
 
-void WindowTest::saysWhetherTheAxesMove()
+void AppWindowTest::saysWhetherTheAxesMove()
 {
     auto *const status = window->statusBar()->findChild<workbench::ModuleStatus *>();
     const auto *const motion =
@@ -356,7 +356,7 @@ void WindowTest::saysWhetherTheAxesMove()
     QCOMPARE(requests->text(), QStringLiteral("0 requests/s"));
 }
 
-void WindowTest::remembersItsLayout()
+void AppWindowTest::remembersItsLayout()
 {
     window->rememberLayout();
     window->resize(612, 487);
@@ -368,5 +368,5 @@ void WindowTest::remembersItsLayout()
     QCOMPARE(next.size(), size);
 }
 
-QTEST_MAIN(WindowTest)
+QTEST_MAIN(AppWindowTest)
 #include "tst_app_window.moc"

@@ -4,7 +4,7 @@
 
 using namespace workbench;
 
-class TestFaultActions : public QObject
+class FaultActionsTest : public QObject
 {
     Q_OBJECT
 
@@ -22,7 +22,7 @@ private slots:
     void spinDoesNotNestWithoutEnd();
 };
 
-void TestFaultActions::resetComesOnceInAMove()
+void FaultActionsTest::resetComesOnceInAMove()
 {
     FaultLinkBench bench;
     QVector<qint64> resets;
@@ -44,7 +44,7 @@ void TestFaultActions::resetComesOnceInAMove()
     QCOMPARE(resets.size(), 1);
 }
 
-void TestFaultActions::resetWaitsForATarget()
+void FaultActionsTest::resetWaitsForATarget()
 {
     FaultLinkBench bench;
     int resets = 0;
@@ -60,7 +60,7 @@ void TestFaultActions::resetWaitsForATarget()
     QCOMPARE(resets, 1);
 }
 
-void TestFaultActions::hostObjectsGoInTheMiddleOfARequest_data()
+void FaultActionsTest::hostObjectsGoInTheMiddleOfARequest_data()
 {
     QTest::addColumn<int>("registersGone");
     QTest::addColumn<int>("widgetsGone");
@@ -68,7 +68,7 @@ void TestFaultActions::hostObjectsGoInTheMiddleOfARequest_data()
     QTest::newRow("delete-widgets:2") << 0 << 1;
 }
 
-void TestFaultActions::hostObjectsGoInTheMiddleOfARequest()
+void FaultActionsTest::hostObjectsGoInTheMiddleOfARequest()
 {
     QFETCH(int, registersGone);
     QFETCH(int, widgetsGone);
@@ -89,7 +89,7 @@ void TestFaultActions::hostObjectsGoInTheMiddleOfARequest()
     QCOMPARE(widgets, widgetsGone);
 }
 
-void TestFaultActions::hostObjectsGoAtOnceWithoutANumber()
+void FaultActionsTest::hostObjectsGoAtOnceWithoutANumber()
 {
     FaultLinkBench bench;
     int gone = 0;
@@ -104,7 +104,7 @@ void TestFaultActions::hostObjectsGoAtOnceWithoutANumber()
     QCOMPARE(gone, 2);
 }
 
-void TestFaultActions::missingActionsDoNothing()
+void FaultActionsTest::missingActionsDoNothing()
 {
     FaultLinkBench bench;
     QVERIFY(bench.on("reset:0") && bench.on("delete-registers") && bench.on("delete-widgets:1"));
@@ -112,7 +112,7 @@ void TestFaultActions::missingActionsDoNothing()
     QCOMPARE(bench.results(), QStringLiteral("500 ok 10,-20 3ms"));
 }
 
-void TestFaultActions::actionsMaySwitchFaultsOff()
+void FaultActionsTest::actionsMaySwitchFaultsOff()
 {
     FaultLinkBench bench;
     FaultActions actions;
@@ -122,7 +122,7 @@ void TestFaultActions::actionsMaySwitchFaultsOff()
     QCOMPARE(bench.results(), QStringLiteral("500 ok 10,-20 3ms"));
 }
 
-void TestFaultActions::spinLetsEventsThrough()
+void FaultActionsTest::spinLetsEventsThrough()
 {
     FaultLinkBench bench;
     int events = 0;
@@ -135,7 +135,7 @@ void TestFaultActions::spinLetsEventsThrough()
     QCOMPARE(events, 1);
 }
 
-void TestFaultActions::spinDoesNotNestWithoutEnd()
+void FaultActionsTest::spinDoesNotNestWithoutEnd()
 {
     FaultLinkBench bench;
     QVERIFY(bench.on("spin"));
@@ -153,5 +153,5 @@ void TestFaultActions::spinDoesNotNestWithoutEnd()
     QCoreApplication::removePostedEvents(this);
 }
 
-QTEST_GUILESS_MAIN(TestFaultActions)
+QTEST_GUILESS_MAIN(FaultActionsTest)
 #include "tst_fault_actions.moc"

@@ -28,7 +28,7 @@ static QStringList manyReplies(const QString &fault, quint32 seed,
     return replies;
 }
 
-class TestFaultChance : public QObject
+class FaultChanceTest : public QObject
 {
     Q_OBJECT
 
@@ -44,12 +44,12 @@ private slots:
     void noiseStaysWithinItsBounds();
 };
 
-void TestFaultChance::sameSeedRepeatsReplies_data()
+void FaultChanceTest::sameSeedRepeatsReplies_data()
 {
     addFaultsOfChance();
 }
 
-void TestFaultChance::sameSeedRepeatsReplies()
+void FaultChanceTest::sameSeedRepeatsReplies()
 {
     QFETCH(QString, fault);
     const QStringList replies = manyReplies(fault, 7);
@@ -57,25 +57,25 @@ void TestFaultChance::sameSeedRepeatsReplies()
     QCOMPARE(manyReplies(fault, 7), replies);
 }
 
-void TestFaultChance::otherSeedsGiveOtherReplies_data()
+void FaultChanceTest::otherSeedsGiveOtherReplies_data()
 {
     addFaultsOfChance();
 }
 
-void TestFaultChance::otherSeedsGiveOtherReplies()
+void FaultChanceTest::otherSeedsGiveOtherReplies()
 {
     QFETCH(QString, fault);
     QVERIFY(manyReplies(fault, 7) != manyReplies(fault, 8));
 }
 
-void TestFaultChance::chanceOfAFaultDoesNotDependOnOthers()
+void FaultChanceTest::chanceOfAFaultDoesNotDependOnOthers()
 {
     const QString lose = QStringLiteral("lose:0.5");
     QCOMPARE(manyReplies(lose, 7, QStringLiteral("noise:0")), manyReplies(lose, 7));
     QCOMPARE(manyReplies(lose, 7, QStringLiteral("corrupt:0")), manyReplies(lose, 7));
 }
 
-void TestFaultChance::probabilityIsTheShareOfReplies_data()
+void FaultChanceTest::probabilityIsTheShareOfReplies_data()
 {
     QTest::addColumn<double>("share");
     QTest::newRow("lose:0.1") << 0.1;
@@ -84,7 +84,7 @@ void TestFaultChance::probabilityIsTheShareOfReplies_data()
     QTest::newRow("corrupt:1") << 1.0;
 }
 
-void TestFaultChance::probabilityIsTheShareOfReplies()
+void FaultChanceTest::probabilityIsTheShareOfReplies()
 {
     QFETCH(double, share);
     FaultLinkBench bench;
@@ -97,7 +97,7 @@ void TestFaultChance::probabilityIsTheShareOfReplies()
     QVERIFY2(qAbs(seen - share) < 0.015, qPrintable(QString::number(seen)));
 }
 
-void TestFaultChance::corruptFlipsOneBit()
+void FaultChanceTest::corruptFlipsOneBit()
 {
     FaultLinkBench bench;
     QVERIFY(bench.on("corrupt:1"));
@@ -119,7 +119,7 @@ void TestFaultChance::corruptFlipsOneBit()
     QCOMPARE(flippedInRegister, std::numeric_limits<quint32>::max());
 }
 
-void TestFaultChance::noiseStaysWithinItsBounds()
+void FaultChanceTest::noiseStaysWithinItsBounds()
 {
     FaultLinkBench bench;
     QVERIFY(bench.on("noise:3"));
@@ -131,5 +131,5 @@ void TestFaultChance::noiseStaysWithinItsBounds()
     QCOMPARE(bench.read(FaultLinkBench::velocity0), QStringLiteral("30"));
 }
 
-QTEST_GUILESS_MAIN(TestFaultChance)
+QTEST_GUILESS_MAIN(FaultChanceTest)
 #include "tst_fault_chance.moc"

@@ -5,7 +5,7 @@
 
 using namespace workbench;
 
-class TestFaultLink : public QObject
+class FaultLinkTest : public QObject
 {
     Q_OBJECT
 
@@ -28,7 +28,7 @@ private slots:
     void registersAreFoundByName();
 };
 
-void TestFaultLink::withoutFaultsEverythingPassesUnchanged()
+void FaultLinkTest::withoutFaultsEverythingPassesUnchanged()
 {
     FaultLinkBench bench;
     QCOMPARE(bench.results(), QStringLiteral("500 ok 10,-20 3ms"));
@@ -43,7 +43,7 @@ void TestFaultLink::withoutFaultsEverythingPassesUnchanged()
     QVERIFY(bench.link.active().isEmpty());
 }
 
-void TestFaultLink::faultsSpoilRequests_data()
+void FaultLinkTest::faultsSpoilRequests_data()
 {
     QTest::addColumn<QString>("results");
     QTest::addColumn<int>("callCount");
@@ -80,7 +80,7 @@ void TestFaultLink::faultsSpoilRequests_data()
     row("spin", "500 ok 10,-20 3ms", 3);
 }
 
-void TestFaultLink::faultsSpoilRequests()
+void FaultLinkTest::faultsSpoilRequests()
 {
     QFETCH(QString, results);
     QFETCH(int, callCount);
@@ -90,7 +90,7 @@ void TestFaultLink::faultsSpoilRequests()
     QCOMPARE(bench.device.calls.size(), callCount);
 }
 
-void TestFaultLink::switchedOffTheLinkWorksAgain_data()
+void FaultLinkTest::switchedOffTheLinkWorksAgain_data()
 {
     QTest::addColumn<bool>("isAllOff");
     for (const FaultInfo &info : faultTable()) {
@@ -99,7 +99,7 @@ void TestFaultLink::switchedOffTheLinkWorksAgain_data()
     }
 }
 
-void TestFaultLink::switchedOffTheLinkWorksAgain()
+void FaultLinkTest::switchedOffTheLinkWorksAgain()
 {
     QFETCH(bool, isAllOff);
     const QString name =
@@ -118,7 +118,7 @@ void TestFaultLink::switchedOffTheLinkWorksAgain()
     QCOMPARE(bench.results(), QStringLiteral("500 ok 10,-20 3ms"));
 }
 
-void TestFaultLink::activeFaultsAreListedInTheOrderOfTheTable()
+void FaultLinkTest::activeFaultsAreListedInTheOrderOfTheTable()
 {
     FaultLinkBench bench;
     QVERIFY(bench.on("spin") && bench.on("noise:5") && bench.on("late"));
@@ -131,7 +131,7 @@ void TestFaultLink::activeFaultsAreListedInTheOrderOfTheTable()
     QCOMPARE(bench.link.active().size(), 2);
 }
 
-void TestFaultLink::aFaultSwitchedOnAgainTakesTheNewParameter()
+void FaultLinkTest::aFaultSwitchedOnAgainTakesTheNewParameter()
 {
     FaultLinkBench bench;
     QVERIFY(bench.on("late:10") && bench.on("late:20"));
@@ -139,14 +139,14 @@ void TestFaultLink::aFaultSwitchedOnAgainTakesTheNewParameter()
     QCOMPARE(bench.link.active().size(), 1);
 }
 
-void TestFaultLink::severalFaultsActTogether()
+void FaultLinkTest::severalFaultsActTogether()
 {
     FaultLinkBench bench;
     QVERIFY(bench.on("late:10") && bench.on("jump:100") && bench.on("fail-reads"));
     QCOMPARE(bench.results(), QStringLiteral("failed ok 110,80 22ms"));
 }
 
-void TestFaultLink::aFailureOfTheDeviceStaysOne()
+void FaultLinkTest::aFailureOfTheDeviceStaysOne()
 {
     FaultLinkBench bench;
     QVERIFY(bench.on("stale") && bench.on("noise") && bench.on("corrupt:1"));
@@ -154,7 +154,7 @@ void TestFaultLink::aFailureOfTheDeviceStaysOne()
     QCOMPARE(bench.results(), QStringLiteral("failed failed failed 3ms"));
 }
 
-void TestFaultLink::staleAnswersWithTheReplyBefore()
+void FaultLinkTest::staleAnswersWithTheReplyBefore()
 {
     FaultLinkBench bench;
     QCOMPARE(bench.read(FaultLinkBench::setting), QStringLiteral("500"));
@@ -167,7 +167,7 @@ void TestFaultLink::staleAnswersWithTheReplyBefore()
     QCOMPARE(bench.read(FaultLinkBench::velocity0), QStringLiteral("30"));
 }
 
-void TestFaultLink::staleBytesOfARegisterAreZero()
+void FaultLinkTest::staleBytesOfARegisterAreZero()
 {
     FaultLinkBench bench;
     QVERIFY(bench.on("stale"));
@@ -176,7 +176,7 @@ void TestFaultLink::staleBytesOfARegisterAreZero()
     QCOMPARE(bench.positions(), QStringLiteral("10,-20"));
 }
 
-void TestFaultLink::failEveryCountsAllRequests()
+void FaultLinkTest::failEveryCountsAllRequests()
 {
     FaultLinkBench bench;
     QVERIFY(bench.on("fail-every:3"));
@@ -186,7 +186,7 @@ void TestFaultLink::failEveryCountsAllRequests()
     QCOMPARE(seen.join(QLatin1Char(' ')), QStringLiteral("30 10,-20 failed 10,-20 30 failed"));
 }
 
-void TestFaultLink::slowMultipliesTheTimeOfTheDevice()
+void FaultLinkTest::slowMultipliesTheTimeOfTheDevice()
 {
     FaultLinkBench bench;
     bench.device.onRequest = [&bench] { bench.clock.advance(3 * FaultLinkBench::msInNs); };
@@ -195,7 +195,7 @@ void TestFaultLink::slowMultipliesTheTimeOfTheDevice()
     QCOMPARE(bench.clock.now(), 12 * FaultLinkBench::msInNs);
 }
 
-void TestFaultLink::otherUserFunctionsAreNoPositions()
+void FaultLinkTest::otherUserFunctionsAreNoPositions()
 {
     struct AnyFunction : RecordingLink
     {
@@ -217,7 +217,7 @@ void TestFaultLink::otherUserFunctionsAreNoPositions()
     QCOMPARE(int(a), 1);
 }
 
-void TestFaultLink::registersAreFoundByName()
+void FaultLinkTest::registersAreFoundByName()
 {
     ChipDescription chip;
     for (const auto &entry :
@@ -239,5 +239,5 @@ void TestFaultLink::registersAreFoundByName()
     QVERIFY(!contains(found.position, 0));
 }
 
-QTEST_GUILESS_MAIN(TestFaultLink)
+QTEST_GUILESS_MAIN(FaultLinkTest)
 #include "tst_fault_link.moc"

@@ -4,7 +4,7 @@
 
 using namespace workbench;
 
-class TestFaultMotion : public QObject
+class FaultMotionTest : public QObject
 {
     Q_OBJECT
 
@@ -19,7 +19,7 @@ private slots:
     void zeroVelocityLeavesOtherRegistersAlone();
 };
 
-void TestFaultMotion::frozenPositionsHoldWhatWasSeenFirst()
+void FaultMotionTest::frozenPositionsHoldWhatWasSeenFirst()
 {
     FaultLinkBench bench;
     QVERIFY(bench.on("frozen-positions"));
@@ -34,7 +34,7 @@ void TestFaultMotion::frozenPositionsHoldWhatWasSeenFirst()
     QCOMPARE(bench.positions(), QStringLiteral("11,-21"));
 }
 
-void TestFaultMotion::frozenPositionsAreTakenAnewWhenSwitchedOnAgain()
+void FaultMotionTest::frozenPositionsAreTakenAnewWhenSwitchedOnAgain()
 {
     FaultLinkBench bench;
     QVERIFY(bench.on("frozen-positions"));
@@ -44,7 +44,7 @@ void TestFaultMotion::frozenPositionsAreTakenAnewWhenSwitchedOnAgain()
     QCOMPARE(bench.positions(), QStringLiteral("11,-20"));
 }
 
-void TestFaultMotion::stuckAxisStandsWhileTheOtherGoesOn()
+void FaultMotionTest::stuckAxisStandsWhileTheOtherGoesOn()
 {
     FaultLinkBench bench;
     QVERIFY(bench.on("stuck-axis:1"));
@@ -57,7 +57,7 @@ void TestFaultMotion::stuckAxisStandsWhileTheOtherGoesOn()
     QCOMPARE(bench.read(0x21), QStringLiteral("0"));
 }
 
-void TestFaultMotion::jumpComesAndGoes()
+void FaultMotionTest::jumpComesAndGoes()
 {
     FaultLinkBench bench;
     QVERIFY(bench.on("jump:1000"));
@@ -70,7 +70,7 @@ void TestFaultMotion::jumpComesAndGoes()
     QCOMPARE(seen.join(QLatin1Char(' ')), QStringLiteral("1010 10 10 1010 1010 1010"));
 }
 
-void TestFaultMotion::spoiltPositionsStayWithinTheAxis()
+void FaultMotionTest::spoiltPositionsStayWithinTheAxis()
 {
     FaultLinkBench bench;
     QVERIFY(bench.on("jump:1000000"));
@@ -79,7 +79,7 @@ void TestFaultMotion::spoiltPositionsStayWithinTheAxis()
     QCOMPARE(bench.positions(), QStringLiteral("8388607,-7388608"));
 }
 
-void TestFaultMotion::zeroVelocityLastsForAWhileInEachMove()
+void FaultMotionTest::zeroVelocityLastsForAWhileInEachMove()
 {
     FaultLinkBench bench;
     QVERIFY(bench.on("zero-velocity:100"));
@@ -91,7 +91,7 @@ void TestFaultMotion::zeroVelocityLastsForAWhileInEachMove()
     QCOMPARE(bench.read(FaultLinkBench::velocity0), QStringLiteral("0"));
 }
 
-void TestFaultMotion::zeroVelocityLeavesOtherRegistersAlone()
+void FaultMotionTest::zeroVelocityLeavesOtherRegistersAlone()
 {
     FaultLinkBench bench;
     QVERIFY(bench.on("zero-velocity"));
@@ -100,5 +100,5 @@ void TestFaultMotion::zeroVelocityLeavesOtherRegistersAlone()
     QCOMPARE(bench.read(FaultLinkBench::setting), QStringLiteral("500"));
 }
 
-QTEST_GUILESS_MAIN(TestFaultMotion)
+QTEST_GUILESS_MAIN(FaultMotionTest)
 #include "tst_fault_motion.moc"

@@ -6,7 +6,7 @@
 
 using namespace workbench;
 
-class TestFaultNames : public QObject
+class FaultNamesTest : public QObject
 {
     Q_OBJECT
 
@@ -24,14 +24,14 @@ private slots:
     void helpNamesEachFaultWithItsRange();
 };
 
-void TestFaultNames::eachFaultIsDescribedOnce_data()
+void FaultNamesTest::eachFaultIsDescribedOnce_data()
 {
     QTest::addColumn<int>("index");
     for (int i = 0; i < faultTable().size(); ++i)
         QTest::newRow(qPrintable(faultTable().at(i).name)) << i;
 }
 
-void TestFaultNames::eachFaultIsDescribedOnce()
+void FaultNamesTest::eachFaultIsDescribedOnce()
 {
     QFETCH(int, index);
     const FaultInfo &info = faultTable().at(index);
@@ -51,7 +51,7 @@ void TestFaultNames::eachFaultIsDescribedOnce()
     QCOMPARE(info.usage(), info.name + QStringLiteral("[:%1]").arg(info.parameter->name));
 }
 
-void TestFaultNames::kindsAndNamesAreUnique()
+void FaultNamesTest::kindsAndNamesAreUnique()
 {
     QSet<int> kinds;
     QSet<QString> names;
@@ -64,12 +64,12 @@ void TestFaultNames::kindsAndNamesAreUnique()
     QCOMPARE(faultTable().size(), int(FaultKind::Spin) + 1);
 }
 
-void TestFaultNames::thereIsMoreThanAFew()
+void FaultNamesTest::thereIsMoreThanAFew()
 {
     QVERIFY(faultTable().size() >= 16);
 }
 
-void TestFaultNames::textsAreRead_data()
+void FaultNamesTest::textsAreRead_data()
 {
     QTest::addColumn<int>("kind");
     QTest::addColumn<double>("parameter");
@@ -87,7 +87,7 @@ void TestFaultNames::textsAreRead_data()
     row("stuck-axis:1", FaultKind::StuckAxis, 1);
 }
 
-void TestFaultNames::textsAreRead()
+void FaultNamesTest::textsAreRead()
 {
     QFETCH(int, kind);
     QFETCH(double, parameter);
@@ -97,7 +97,7 @@ void TestFaultNames::textsAreRead()
     QVERIFY(*parsed.fault == (Fault{FaultKind(kind), parameter}));
 }
 
-void TestFaultNames::wrongTextsAreRefused_data()
+void FaultNamesTest::wrongTextsAreRefused_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("error");
@@ -128,7 +128,7 @@ void TestFaultNames::wrongTextsAreRefused_data()
         R"(MS of "late" must be a whole number from 0 to 10000, not "1 2")");
 }
 
-void TestFaultNames::wrongTextsAreRefused()
+void FaultNamesTest::wrongTextsAreRefused()
 {
     QFETCH(QString, text);
     QFETCH(QString, error);
@@ -137,7 +137,7 @@ void TestFaultNames::wrongTextsAreRefused()
     QCOMPARE(parsed.error, error);
 }
 
-void TestFaultNames::unknownNamesAreAnsweredWithTheKnownOnes()
+void FaultNamesTest::unknownNamesAreAnsweredWithTheKnownOnes()
 {
     for (const char *text : {"", "bogus", "Late", " late", "late ", ":5", "bogus:5"}) {
         const ParsedFault parsed = parseFault(QString::fromLatin1(text));
@@ -154,7 +154,7 @@ void TestFaultNames::unknownNamesAreAnsweredWithTheKnownOnes()
     QVERIFY(parseFault(QString(100000, QLatin1Char('x'))).error.size() < 1000);
 }
 
-void TestFaultNames::textOfAFaultIsReadBack()
+void FaultNamesTest::textOfAFaultIsReadBack()
 {
     for (const FaultInfo &info : faultTable()) {
         const Fault fault = presetFault(info.kind);
@@ -166,7 +166,7 @@ void TestFaultNames::textOfAFaultIsReadBack()
     QCOMPARE(faultText({FaultKind::Spin, 0}), QStringLiteral("spin"));
 }
 
-void TestFaultNames::helpNamesEachFaultWithItsRange()
+void FaultNamesTest::helpNamesEachFaultWithItsRange()
 {
     const QString help = faultHelp();
     for (const FaultInfo &info : faultTable()) {
@@ -177,5 +177,5 @@ void TestFaultNames::helpNamesEachFaultWithItsRange()
     QVERIFY(help.endsWith(QLatin1Char('\n')));
 }
 
-QTEST_GUILESS_MAIN(TestFaultNames)
+QTEST_GUILESS_MAIN(FaultNamesTest)
 #include "tst_fault_names.moc"

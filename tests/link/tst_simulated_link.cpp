@@ -29,7 +29,7 @@ using Positions = std::array<int, 2>;
 
 } // namespace
 
-class TestSimulatedLink : public QObject
+class SimulatedLinkTest : public QObject
 {
     Q_OBJECT
 
@@ -67,38 +67,38 @@ private:
     std::unique_ptr<SimulatedLink> link;
 };
 
-void TestSimulatedLink::initTestCase()
+void SimulatedLinkTest::initTestCase()
 {
     description = readShippedChip();
     QVERIFY(description);
 }
 
-void TestSimulatedLink::init()
+void SimulatedLinkTest::init()
 {
     chip = std::make_unique<SimulatedChip>(*description);
     clock = std::make_unique<SteppedClock>();
     link = std::make_unique<SimulatedLink>(*chip, *clock);
 }
 
-unsigned int TestSimulatedLink::address(const QString &name) const
+unsigned int SimulatedLinkTest::address(const QString &name) const
 {
     const RegisterDescription *entry = description->findRegister(name);
     return entry ? entry->address : ~0u;
 }
 
-bool TestSimulatedLink::write(const QString &name, int value)
+bool SimulatedLinkTest::write(const QString &name, int value)
 {
     return link->writeRegister(address(name), motor, value);
 }
 
-int TestSimulatedLink::read(const QString &name)
+int SimulatedLinkTest::read(const QString &name)
 {
     int value = 0;
     link->readRegister(address(name), motor, &value);
     return value;
 }
 
-Positions TestSimulatedLink::askPositions()
+Positions SimulatedLinkTest::askPositions()
 {
     unsigned char a = 0;
     unsigned char b = 0x48;
@@ -109,7 +109,7 @@ Positions TestSimulatedLink::askPositions()
 }
 
 // The requests with which the panel starts a move.
-void TestSimulatedLink::startMove(int target0, int target1,
+void SimulatedLinkTest::startMove(int target0, int target1,
                                   const std::function<void()> &afterFirstVelocity)
 {
     const int vMax0 = read(QStringLiteral("M0_VMAX"));
@@ -127,7 +127,7 @@ void TestSimulatedLink::startMove(int target0, int target1,
     QVERIFY(write(QStringLiteral("M1_VMAX"), vMax1));
 }
 
-bool TestSimulatedLink::waitForStandstill()
+bool SimulatedLinkTest::waitForStandstill()
 {
     for (int i = 0; i < 20000; ++i) {
         if (read(QStringLiteral("M0_VACTUAL")) == 0 && read(QStringLiteral("M1_VACTUAL")) == 0)
@@ -136,7 +136,7 @@ bool TestSimulatedLink::waitForStandstill()
     return false;
 }
 
-void TestSimulatedLink::positionsArePackedIntoSixBytes_data()
+void SimulatedLinkTest::positionsArePackedIntoSixBytes_data()
 {
     QTest::addColumn<int>("axis0");
     QTest::addColumn<int>("axis1");
@@ -153,7 +153,7 @@ void TestSimulatedLink::positionsArePackedIntoSixBytes_data()
     QTest::newRow("example") << 66051 << -2 << 1 << 2 << 0x03FFFFFEu;
 }
 
-void TestSimulatedLink::positionsArePackedIntoSixBytes()
+void SimulatedLinkTest::positionsArePackedIntoSixBytes()
 {
     QFETCH(int, axis0);
     QFETCH(int, axis1);
@@ -166,7 +166,7 @@ void TestSimulatedLink::positionsArePackedIntoSixBytes()
     QCOMPARE(reply.value, value);
 }
 
-void TestSimulatedLink::userFunctionAnswersWithBothPositions()
+void SimulatedLinkTest::userFunctionAnswersWithBothPositions()
 {
     QCOMPARE(askPositions(), (Positions{0, 0}));
     write(QStringLiteral("M0_XTARGET"), -300);
@@ -177,7 +177,7 @@ void TestSimulatedLink::userFunctionAnswersWithBothPositions()
     QCOMPARE(read(QStringLiteral("M1_XACTUAL")), 70000);
 }
 
-void TestSimulatedLink::otherUserFunctionsFailAndLeaveTheBytesAlone()
+void SimulatedLinkTest::otherUserFunctionsFailAndLeaveTheBytesAlone()
 {
     for (int function : {0, 1, 0xFC, 0xFE, 0xFF}) {
         unsigned char a = 11;
@@ -191,7 +191,7 @@ void TestSimulatedLink::otherUserFunctionsFailAndLeaveTheBytesAlone()
     }
 }
 
-void TestSimulatedLink::refusedRequestsFail()
+void SimulatedLinkTest::refusedRequestsFail()
 {
     int value = 5;
     QVERIFY(!link->readRegister(0xFFFF, motor, &value));
@@ -202,7 +202,7 @@ void TestSimulatedLink::refusedRequestsFail()
     QCOMPARE(link->counts().total(), quint64(4));
 }
 
-void TestSimulatedLink::eachRequestTakesItsCost_data()
+void SimulatedLinkTest::eachRequestTakesItsCost_data()
 {
     QTest::addColumn<qint64>("cost");
     QTest::addColumn<qint64>("taken");
@@ -212,7 +212,7 @@ void TestSimulatedLink::eachRequestTakesItsCost_data()
     QTest::newRow("long") << qint64(20000000) << qint64(60000000);
 }
 
-void TestSimulatedLink::eachRequestTakesItsCost()
+void SimulatedLinkTest::eachRequestTakesItsCost()
 {
     QFETCH(qint64, cost);
     QFETCH(qint64, taken);
@@ -224,7 +224,7 @@ void TestSimulatedLink::eachRequestTakesItsCost()
     QCOMPARE(clock->now(), taken);
 }
 
-void TestSimulatedLink::requestActsAtTheTimeItIsAnswered()
+void SimulatedLinkTest::requestActsAtTheTimeItIsAnswered()
 {
     link->setRequestCostNs(100 * msInNs);
     write(QStringLiteral("M0_XTARGET"), 1000);
@@ -233,7 +233,7 @@ void TestSimulatedLink::requestActsAtTheTimeItIsAnswered()
     QCOMPARE(askPositions()[0], 24);
 }
 
-void TestSimulatedLink::requestsAreCounted()
+void SimulatedLinkTest::requestsAreCounted()
 {
     read(QStringLiteral("M0_VMAX"));
     read(QStringLiteral("nothing"));
@@ -247,7 +247,7 @@ void TestSimulatedLink::requestsAreCounted()
     QCOMPARE(link->counts().total(), quint64(6));
 }
 
-void TestSimulatedLink::startSequenceStartsBothAxesTogether()
+void SimulatedLinkTest::startSequenceStartsBothAxesTogether()
 {
     startMove(1600, -1000, [this] {
         QCOMPARE(read(QStringLiteral("M0_VACTUAL")), 0);
@@ -267,7 +267,7 @@ void TestSimulatedLink::startSequenceStartsBothAxesTogether()
     QCOMPARE(observer.violation(), QString());
 }
 
-void TestSimulatedLink::startSequenceWithOneZeroVelocityDoesNotStart()
+void SimulatedLinkTest::startSequenceWithOneZeroVelocityDoesNotStart()
 {
     for (int axis : {0, 1}) {
         init();
@@ -279,7 +279,7 @@ void TestSimulatedLink::startSequenceWithOneZeroVelocityDoesNotStart()
     }
 }
 
-void TestSimulatedLink::startSequenceDuringAMoveArrives()
+void SimulatedLinkTest::startSequenceDuringAMoveArrives()
 {
     startMove(2000, 2000);
     clock->advance(600 * msInNs);
@@ -288,7 +288,7 @@ void TestSimulatedLink::startSequenceDuringAMoveArrives()
     QCOMPARE(askPositions(), (Positions{-300, 400}));
 }
 
-void TestSimulatedLink::stopSequenceEndsOnItsTarget()
+void SimulatedLinkTest::stopSequenceEndsOnItsTarget()
 {
     for (int ms = 50; ms < 1500; ms += 50) {
         init();
@@ -312,7 +312,7 @@ void TestSimulatedLink::stopSequenceEndsOnItsTarget()
     }
 }
 
-void TestSimulatedLink::steadyClockWaitsAtLeastAsLongAsAsked()
+void SimulatedLinkTest::steadyClockWaitsAtLeastAsLongAsAsked()
 {
     SteadyClock steady;
     for (qint64 ns : {qint64(-5), qint64(0), qint64(20000), qint64(500000), qint64(3000000)}) {
@@ -322,7 +322,7 @@ void TestSimulatedLink::steadyClockWaitsAtLeastAsLongAsAsked()
     }
 }
 
-void TestSimulatedLink::steppedClockMovesWhenToldTo()
+void SimulatedLinkTest::steppedClockMovesWhenToldTo()
 {
     QCOMPARE(clock->now(), qint64(0));
     clock->advance(5);
@@ -333,5 +333,5 @@ void TestSimulatedLink::steppedClockMovesWhenToldTo()
     QCOMPARE(clock->now(), qint64(12));
 }
 
-QTEST_GUILESS_MAIN(TestSimulatedLink)
+QTEST_GUILESS_MAIN(SimulatedLinkTest)
 #include "tst_simulated_link.moc"

@@ -28,7 +28,7 @@ QByteArray whole(const QByteArray &lines)
 
 Q_DECLARE_METATYPE(TapeEntry)
 
-class TestTape : public QObject
+class TapeTest : public QObject
 {
     Q_OBJECT
 
@@ -62,7 +62,7 @@ private:
     std::unique_ptr<QBuffer> buffer;
 };
 
-void TestTape::init()
+void TapeTest::init()
 {
     clock = std::make_unique<SteppedClock>();
     device = std::make_unique<RecordingLink>();
@@ -72,7 +72,7 @@ void TestTape::init()
     QVERIFY(buffer->open(QIODevice::WriteOnly));
 }
 
-void TestTape::linesAreReadable_data()
+void TapeTest::linesAreReadable_data()
 {
     QTest::addColumn<TapeEntry>("entry");
     QTest::addColumn<QByteArray>("line");
@@ -120,13 +120,13 @@ void TestTape::linesAreReadable_data()
         << entry << QByteArray("999999999.999999999 0.000000001 read 0x00 m0 = failed");
 }
 
-void TestTape::linesAreReadable()
+void TapeTest::linesAreReadable()
 {
     QFETCH(TapeEntry, entry);
     QTEST(tapeLine(entry), "line");
 }
 
-void TestTape::linesAreReadBack()
+void TapeTest::linesAreReadBack()
 {
     QFETCH(TapeEntry, entry);
     QFETCH(QByteArray, line);
@@ -137,7 +137,7 @@ void TestTape::linesAreReadBack()
     QVERIFY(tape->entries.constFirst() == entry);
 }
 
-void TestTape::remarksAndEmptyLinesArePassedOver()
+void TapeTest::remarksAndEmptyLinesArePassedOver()
 {
     const auto tape = readText("# first\r\n\nmodule-tape 1\r\n# a remark\n\n"
                                "0.000000000 0.000500000 read 0x05 m1 = 7\r\n   \nend 1\n# bye\n\n");
@@ -146,21 +146,21 @@ void TestTape::remarksAndEmptyLinesArePassedOver()
     QCOMPARE(tape->entries.constFirst().value, 7);
 }
 
-void TestTape::anEmptyTapeIsATape()
+void TapeTest::anEmptyTapeIsATape()
 {
     const auto tape = readText(whole("end 0"));
     QVERIFY(tape.has_value());
     QVERIFY(tape->entries.isEmpty());
 }
 
-void TestTape::nestedRequestsAreInTheOrderOfTheirReplies()
+void TapeTest::nestedRequestsAreInTheOrderOfTheirReplies()
 {
     QVERIFY(readText(whole("0.002000000 0.001000000 read 0x05 m0 = 1\n"
                            "0.001000000 0.002000000 read 0x05 m0 = 1\nend 2\n"))
                 .has_value());
 }
 
-void TestTape::faultyTapesAreRefused_data()
+void TapeTest::faultyTapesAreRefused_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<int>("line");
@@ -238,7 +238,7 @@ void TestTape::faultyTapesAreRefused_data()
     second("long line", QByteArray(100000, 'x'), "the line is too long");
 }
 
-void TestTape::faultyTapesAreRefused()
+void TapeTest::faultyTapesAreRefused()
 {
     QFETCH(QByteArray, text);
     TapeError error;
@@ -248,7 +248,7 @@ void TestTape::faultyTapesAreRefused()
     QVERIFY(!readText(text));
 }
 
-void TestTape::cutOffTapesAreRefused()
+void TapeTest::cutOffTapesAreRefused()
 {
     const QByteArray text = whole("0.000000000 0.000500000 read 0x05 m1 = 7\n"
                                   "0.001000000 0.000500000 write 0x05 m1 7 = ok\nend 2");
@@ -257,7 +257,7 @@ void TestTape::cutOffTapesAreRefused()
         QVERIFY2(!readText(text.left(size)), qPrintable(QString::number(size)));
 }
 
-void TestTape::changedBytesNeverGetPastTheReaderUnbounded()
+void TapeTest::changedBytesNeverGetPastTheReaderUnbounded()
 {
     const QByteArray text = whole("0.000000000 0.000500000 read 0x05 m1 = 7\n"
                                   "0.001000000 0.000500000 user 0xFD m0 0x00 0x00 0x48 = 0x01 "
@@ -277,7 +277,7 @@ void TestTape::changedBytesNeverGetPastTheReaderUnbounded()
     }
 }
 
-void TestTape::tooLargeTapesAreRefused()
+void TapeTest::tooLargeTapesAreRefused()
 {
     // Remarks without end, as nothing else would keep a reader busy for so long.
     struct Endless : QIODevice
@@ -299,7 +299,7 @@ void TestTape::tooLargeTapesAreRefused()
     QCOMPARE(error.reason, QStringLiteral("the tape is larger than 64 MiB"));
 }
 
-void TestTape::recorderPassesRequestsOn()
+void TapeTest::recorderPassesRequestsOn()
 {
     recorder->start(buffer.get());
     device->values.insert(0x13, 500);
@@ -319,7 +319,7 @@ void TestTape::recorderPassesRequestsOn()
                           QStringLiteral("user 0xFD")}));
 }
 
-void TestTape::recorderWritesRequestsWithTheirTimes()
+void TapeTest::recorderWritesRequestsWithTheirTimes()
 {
     clock->advance(123 * msInNs);
     recorder->start(buffer.get());
@@ -348,7 +348,7 @@ void TestTape::recorderWritesRequestsWithTheirTimes()
     QVERIFY(readText(buffer->data()).has_value());
 }
 
-void TestTape::recorderWritesNothingBeforeItStartsAndAfterItsEnd()
+void TapeTest::recorderWritesNothingBeforeItStartsAndAfterItsEnd()
 {
     QVERIFY(recorder->writeRegister(1, 0, 1));
     recorder->finish();
@@ -360,7 +360,7 @@ void TestTape::recorderWritesNothingBeforeItStartsAndAfterItsEnd()
     QCOMPARE(device->calls.size(), 2);
 }
 
-void TestTape::recorderLeavesResultsOfFailedRequestsAlone()
+void TapeTest::recorderLeavesResultsOfFailedRequestsAlone()
 {
     recorder->start(buffer.get());
     device->failReads = device->failWrites = device->failUserFunctions = true;
@@ -377,7 +377,7 @@ void TestTape::recorderLeavesResultsOfFailedRequestsAlone()
     QCOMPARE(reply, 3u);
 }
 
-void TestTape::recorderNotesWhatIsAskedMeanwhile()
+void TapeTest::recorderNotesWhatIsAskedMeanwhile()
 {
     recorder->start(buffer.get());
     bool isNested = false;
@@ -398,7 +398,7 @@ void TestTape::recorderNotesWhatIsAskedMeanwhile()
     QCOMPARE(tape->entries.at(1).askedNs, qint64(0));
 }
 
-void TestTape::recorderStopsWhereNoTapeMayGoOn()
+void TapeTest::recorderStopsWhereNoTapeMayGoOn()
 {
     struct Counter : QIODevice
     {
@@ -431,7 +431,7 @@ void TestTape::recorderStopsWhereNoTapeMayGoOn()
     QVERIFY(counter.total <= maximumTapeSize);
 }
 
-void TestTape::recorderStartsAnotherTape()
+void TapeTest::recorderStartsAnotherTape()
 {
     recorder->start(buffer.get());
     recorder->writeRegister(1, 0, 1);
@@ -447,5 +447,5 @@ void TestTape::recorderStartsAnotherTape()
     QCOMPARE(tape->entries.constFirst().askedNs, qint64(0));
 }
 
-QTEST_GUILESS_MAIN(TestTape)
+QTEST_GUILESS_MAIN(TapeTest)
 #include "tst_tape.moc"

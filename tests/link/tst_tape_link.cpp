@@ -4,7 +4,7 @@
 
 using namespace workbench;
 
-class TestTapeLink : public QObject
+class TapeLinkTest : public QObject
 {
     Q_OBJECT
 
@@ -31,7 +31,7 @@ private slots:
     void motorsAndArgumentsAreToldApart();
 };
 
-void TestTapeLink::anEmptyTapeAnswersNothing()
+void TapeLinkTest::anEmptyTapeAnswersNothing()
 {
     Player player{TapeMaker()};
     QCOMPARE(player.read(setting), QStringLiteral("failed"));
@@ -42,7 +42,7 @@ void TestTapeLink::anEmptyTapeAnswersNothing()
     QCOMPARE(player.deviations.size(), 1);
 }
 
-void TestTapeLink::settingsAreAnsweredInTheirOrder()
+void TapeLinkTest::settingsAreAnsweredInTheirOrder()
 {
     Player player(TapeMaker().read(0, setting, 1).read(5, setting, 2).read(9, 0x99, 7));
     QCOMPARE(player.read(0x99), QStringLiteral("7"));
@@ -50,7 +50,7 @@ void TestTapeLink::settingsAreAnsweredInTheirOrder()
     QCOMPARE(player.read(setting), QStringLiteral("2"));
 }
 
-void TestTapeLink::settingsReadMoreOftenRepeatTheLastValue()
+void TapeLinkTest::settingsReadMoreOftenRepeatTheLastValue()
 {
     Player player(TapeMaker()
                       .read(0, setting, 1)
@@ -65,7 +65,7 @@ void TestTapeLink::settingsReadMoreOftenRepeatTheLastValue()
     QCOMPARE(seen.join(QLatin1Char(' ')), QStringLiteral("1 2 2 2 4 4"));
 }
 
-void TestTapeLink::settingsReadLessOftenGoOnBehindTheNextWrite()
+void TapeLinkTest::settingsReadLessOftenGoOnBehindTheNextWrite()
 {
     Player player(TapeMaker()
                       .read(0, setting, 1)
@@ -77,7 +77,7 @@ void TestTapeLink::settingsReadLessOftenGoOnBehindTheNextWrite()
     QVERIFY(player.deviations.isEmpty());
 }
 
-void TestTapeLink::positionsAreAnsweredByTime()
+void TapeLinkTest::positionsAreAnsweredByTime()
 {
     Player player(TapeMaker().positions(10, 1, -1).positions(20, 2, -2).positions(30, 3, -3));
     QCOMPARE(player.positions(), QStringLiteral("1,-1"));
@@ -89,7 +89,7 @@ void TestTapeLink::positionsAreAnsweredByTime()
     QCOMPARE(seen.join(QLatin1Char(' ')), QStringLiteral("1,-1 1,-1 1,-1 2,-2 2,-2 3,-3 3,-3"));
 }
 
-void TestTapeLink::positionsGoOnFromTheWriteWheneverThatComes()
+void TapeLinkTest::positionsGoOnFromTheWriteWheneverThatComes()
 {
     Player player(TapeMaker()
                       .positions(0, 1, 1)
@@ -107,7 +107,7 @@ void TestTapeLink::positionsGoOnFromTheWriteWheneverThatComes()
     QCOMPARE(player.positions(), QStringLiteral("3,3"));
 }
 
-void TestTapeLink::positionsWaitForTheNextWrite()
+void TapeLinkTest::positionsWaitForTheNextWrite()
 {
     Player player(TapeMaker()
                       .positions(0, 1, 1)
@@ -119,7 +119,7 @@ void TestTapeLink::positionsWaitForTheNextWrite()
     QVERIFY(!player.link.isAtEnd());
 }
 
-void TestTapeLink::earlyWritesSkipRestAndNoMovement()
+void TapeLinkTest::earlyWritesSkipRestAndNoMovement()
 {
     Player player(TapeMaker()
                       .positions(0, 1, 1)
@@ -140,7 +140,7 @@ void TestTapeLink::earlyWritesSkipRestAndNoMovement()
              QStringLiteral("1,1 failed; 2,2 failed; 2,2 failed; 3,3 failed; 3,3 failed; 0"));
 }
 
-void TestTapeLink::velocitiesAreUnknownUntilRecordedInTheMove()
+void TapeLinkTest::velocitiesAreUnknownUntilRecordedInTheMove()
 {
     Player player(TapeMaker()
                       .write(0, target0, 5)
@@ -163,7 +163,7 @@ void TestTapeLink::velocitiesAreUnknownUntilRecordedInTheMove()
     QCOMPARE(player.read(velocity0), QStringLiteral("0"));
 }
 
-void TestTapeLink::requestsTakeTheirTime()
+void TapeLinkTest::requestsTakeTheirTime()
 {
     TapeMaker maker;
     maker.read(0, setting, 1);
@@ -175,7 +175,7 @@ void TestTapeLink::requestsTakeTheirTime()
     QCOMPARE(player.clock.now(), 30 * msInNs);
 }
 
-void TestTapeLink::failuresAreRepeated()
+void TapeLinkTest::failuresAreRepeated()
 {
     Player player(TapeMaker()
                       .read(0, setting, 1)
@@ -194,7 +194,7 @@ void TestTapeLink::failuresAreRepeated()
     QVERIFY(player.deviations.isEmpty());
 }
 
-void TestTapeLink::unknownRequestsFail()
+void TapeLinkTest::unknownRequestsFail()
 {
     Player player(TapeMaker().read(0, setting, 1).positions(1, 1, 1));
     QCOMPARE(player.read(0x55), QStringLiteral("failed"));
@@ -205,7 +205,7 @@ void TestTapeLink::unknownRequestsFail()
     QVERIFY(player.deviations.isEmpty());
 }
 
-void TestTapeLink::writesInTheirOrderPass()
+void TapeLinkTest::writesInTheirOrderPass()
 {
     Player player(TapeMaker().write(0, setting, 0).write(1, target0, 5).write(2, setting, 500));
     QVERIFY(player.write(setting, 0) && player.write(target0, 5) && player.write(setting, 500));
@@ -213,7 +213,7 @@ void TestTapeLink::writesInTheirOrderPass()
     QVERIFY(player.link.deviation().isEmpty());
 }
 
-void TestTapeLink::otherWritesAreDeviations_data()
+void TapeLinkTest::otherWritesAreDeviations_data()
 {
     QTest::addColumn<int>("address");
     QTest::addColumn<int>("motor");
@@ -229,7 +229,7 @@ void TestTapeLink::otherWritesAreDeviations_data()
         << int(target0) << 0 << 5 << "write 0x12 m0 5, but the tape has write 0x13 m0 0 there";
 }
 
-void TestTapeLink::otherWritesAreDeviations()
+void TapeLinkTest::otherWritesAreDeviations()
 {
     QFETCH(int, address);
     QFETCH(int, motor);
@@ -241,7 +241,7 @@ void TestTapeLink::otherWritesAreDeviations()
     QCOMPARE(player.deviations, QStringList{player.link.deviation()});
 }
 
-void TestTapeLink::writesBehindTheEndAreDeviations()
+void TapeLinkTest::writesBehindTheEndAreDeviations()
 {
     Player player(TapeMaker().write(0, setting, 0));
     QVERIFY(player.write(setting, 0));
@@ -250,7 +250,7 @@ void TestTapeLink::writesBehindTheEndAreDeviations()
              QStringLiteral("write 0x13 m0 0, but the tape has no further write there"));
 }
 
-void TestTapeLink::afterADeviationTheTapeGoesOnWithItsNextWrite()
+void TapeLinkTest::afterADeviationTheTapeGoesOnWithItsNextWrite()
 {
     Player player(TapeMaker().write(0, setting, 0).write(1, target0, 5));
     QVERIFY(!player.write(setting, 1));
@@ -261,7 +261,7 @@ void TestTapeLink::afterADeviationTheTapeGoesOnWithItsNextWrite()
     QCOMPARE(player.link.deviation(), player.deviations.constFirst());
 }
 
-void TestTapeLink::writesOfMeasuredValuesPass()
+void TapeLinkTest::writesOfMeasuredValuesPass()
 {
     Player player(TapeMaker().write(0, position0, 17).write(1, setting, 5));
     QVERIFY(player.write(position0, 18));
@@ -270,7 +270,7 @@ void TestTapeLink::writesOfMeasuredValuesPass()
     QVERIFY(player.deviations.isEmpty());
 }
 
-void TestTapeLink::theEndIsBehindTheLastReply()
+void TapeLinkTest::theEndIsBehindTheLastReply()
 {
     Player player(TapeMaker().write(0, setting, 0).positions(10, 1, 1));
     player.waitUntil(50);
@@ -283,7 +283,7 @@ void TestTapeLink::theEndIsBehindTheLastReply()
     QVERIFY(player.link.isAtEnd());
 }
 
-void TestTapeLink::motorsAndArgumentsAreToldApart()
+void TapeLinkTest::motorsAndArgumentsAreToldApart()
 {
     TapeMaker maker;
     maker.read(0, setting, 1).read(1, setting, 2);
@@ -297,5 +297,5 @@ void TestTapeLink::motorsAndArgumentsAreToldApart()
     QVERIFY(!player.link.readRegister(setting, 2, &value));
 }
 
-QTEST_GUILESS_MAIN(TestTapeLink)
+QTEST_GUILESS_MAIN(TapeLinkTest)
 #include "tst_tape_link.moc"

@@ -19,7 +19,7 @@ TapeMaker stoppedMove(int stopX = 2, int stopY = 2)
 
 } // namespace
 
-class TestTapeLinkState : public QObject
+class TapeLinkStateTest : public QObject
 {
     Q_OBJECT
 
@@ -47,7 +47,7 @@ private slots:
     void tapeIsPlayedWhenTheAxesRestBehindItsLastWrite();
 };
 
-void TestTapeLinkState::anEmptyTapeHasNothingToTell()
+void TapeLinkStateTest::anEmptyTapeHasNothingToTell()
 {
     const Player player{TapeMaker()};
     QVERIFY(!player.link.position());
@@ -60,7 +60,7 @@ void TestTapeLinkState::anEmptyTapeHasNothingToTell()
     QCOMPARE(player.link.longestRequestNs(), 0);
 }
 
-void TestTapeLinkState::positionsAreThoseThatTheTapeAnswers()
+void TapeLinkStateTest::positionsAreThoseThatTheTapeAnswers()
 {
     Player player(TapeMaker().positions(10, 1, -1).positions(20, 2, -2).write(30, setting, 1));
     QStringList told;
@@ -75,14 +75,14 @@ void TestTapeLinkState::positionsAreThoseThatTheTapeAnswers()
     QCOMPARE(answered, told);
 }
 
-void TestTapeLinkState::failedPositionsDoNotCount()
+void TapeLinkStateTest::failedPositionsDoNotCount()
 {
     Player player(TapeMaker().positions(0, 7, 7).failed().positions(1, 1, 1).positions(2, 9, 9));
     player.waitUntil(1);
     QCOMPARE(player.link.position(), QPoint(1, 1));
 }
 
-void TestTapeLinkState::registersAreAsLastReadOrWritten()
+void TapeLinkStateTest::registersAreAsLastReadOrWritten()
 {
     Player player(TapeMaker()
                       .read(1, setting, 4)
@@ -101,7 +101,7 @@ void TestTapeLinkState::registersAreAsLastReadOrWritten()
     QCOMPARE(player.link.value(setting), 6);
 }
 
-void TestTapeLinkState::velocitiesCountSinceTheLastWrite()
+void TapeLinkStateTest::velocitiesCountSinceTheLastWrite()
 {
     Player player(TapeMaker().read(0, velocity0, 9).write(5, setting, 1).read(10, velocity0, 0));
     QCOMPARE(player.link.value(velocity0), 9);
@@ -112,7 +112,7 @@ void TestTapeLinkState::velocitiesCountSinceTheLastWrite()
     QCOMPARE(player.link.value(velocity0), 0);
 }
 
-void TestTapeLinkState::targetsAreSigned()
+void TapeLinkStateTest::targetsAreSigned()
 {
     Player player(TapeMaker().write(0, target0, 0xFFFFFE).write(1, target1, 0x7FFFFF));
     QVERIFY(player.write(target0, 0xFFFFFE) && player.write(target1, 0x7FFFFF));
@@ -120,7 +120,7 @@ void TestTapeLinkState::targetsAreSigned()
     QCOMPARE(player.link.target(1), 8388607);
 }
 
-void TestTapeLinkState::tellingTakesNoPartInTheReplay()
+void TapeLinkStateTest::tellingTakesNoPartInTheReplay()
 {
     Player player(TapeMaker().read(0, setting, 1).read(1, setting, 2).positions(2, 1, 1));
     player.waitUntil(3);
@@ -131,7 +131,7 @@ void TestTapeLinkState::tellingTakesNoPartInTheReplay()
     QCOMPARE(player.read(setting), QStringLiteral("1"));
 }
 
-void TestTapeLinkState::axesRestWhenNothingElseIsToCome()
+void TapeLinkStateTest::axesRestWhenNothingElseIsToCome()
 {
     Player player(TapeMaker().positions(0, 1, 1).positions(10, 1, 2).positions(20, 1, 2));
     QVERIFY(!player.link.areAtRest());
@@ -141,7 +141,7 @@ void TestTapeLinkState::axesRestWhenNothingElseIsToCome()
     QVERIFY(player.link.areAtRest());
 }
 
-void TestTapeLinkState::axesMoveUntilTheLastVelocityIsZero()
+void TapeLinkStateTest::axesMoveUntilTheLastVelocityIsZero()
 {
     TapeMaker maker;
     maker.positions(0, 1, 1).read(5, velocity0, 3).positions(10, 1, 1);
@@ -154,7 +154,7 @@ void TestTapeLinkState::axesMoveUntilTheLastVelocityIsZero()
     QVERIFY(player.link.areAtRest());
 }
 
-void TestTapeLinkState::axesRestOnlyUpToTheNextWrite()
+void TapeLinkStateTest::axesRestOnlyUpToTheNextWrite()
 {
     Player player(TapeMaker()
                       .positions(0, 1, 1)
@@ -167,7 +167,7 @@ void TestTapeLinkState::axesRestOnlyUpToTheNextWrite()
     QVERIFY(!player.link.areAtRest());
 }
 
-void TestTapeLinkState::waitingBeginsWithTheNextWritesTime()
+void TapeLinkStateTest::waitingBeginsWithTheNextWritesTime()
 {
     Player player(TapeMaker().write(10, setting, 1).positions(15, 1, 1));
     QCOMPARE(player.link.waitingNs(), -10 * msInNs);
@@ -179,7 +179,7 @@ void TestTapeLinkState::waitingBeginsWithTheNextWritesTime()
     QCOMPARE(player.link.waitingNs(), 4 * msInNs);
 }
 
-void TestTapeLinkState::writesAreCountedAndNamed()
+void TapeLinkStateTest::writesAreCountedAndNamed()
 {
     Player player(TapeMaker().write(0, setting, 1).write(1, position0, 9).write(2, target0, 300));
     QCOMPARE(player.link.writeCount(), 2);
@@ -195,7 +195,7 @@ void TestTapeLinkState::writesAreCountedAndNamed()
     QCOMPARE(player.link.awaitedWrite(), QStringLiteral("write 0x12 m0 300"));
 }
 
-void TestTapeLinkState::requestsAreCounted()
+void TapeLinkStateTest::requestsAreCounted()
 {
     TapeMaker maker;
     maker.read(0, setting, 1).positions(1, 1, 1);
@@ -222,7 +222,7 @@ static QStringList poll(Player &player, int fromMs, int untilMs)
     return seen;
 }
 
-void TestTapeLinkState::stopIsAwaitedWhereItStops()
+void TapeLinkStateTest::stopIsAwaitedWhereItStops()
 {
     Player player(stoppedMove());
     player.waitUntil(10);
@@ -235,7 +235,7 @@ void TestTapeLinkState::stopIsAwaitedWhereItStops()
     QVERIFY(!player.link.areAtRest());
 }
 
-void TestTapeLinkState::stopGoesOnBehindItsWrites()
+void TapeLinkStateTest::stopGoesOnBehindItsWrites()
 {
     Player player(stoppedMove());
     QVERIFY(player.write(target0, 5) && player.write(target1, 5));
@@ -249,7 +249,7 @@ void TestTapeLinkState::stopGoesOnBehindItsWrites()
     QVERIFY(player.link.isPlayed());
 }
 
-void TestTapeLinkState::stopOfAStandingAxisIsAwaitedThere()
+void TapeLinkStateTest::stopOfAStandingAxisIsAwaitedThere()
 {
     Player player(TapeMaker()
                       .positions(0, 4, 4)
@@ -262,7 +262,7 @@ void TestTapeLinkState::stopOfAStandingAxisIsAwaitedThere()
     QCOMPARE(player.positions(), QStringLiteral("4,4"));
 }
 
-void TestTapeLinkState::otherTargetsAreAwaitedWhereTheAxesAre_data()
+void TapeLinkStateTest::otherTargetsAreAwaitedWhereTheAxesAre_data()
 {
     QTest::addColumn<int>("x");
     QTest::addColumn<int>("y");
@@ -271,7 +271,7 @@ void TestTapeLinkState::otherTargetsAreAwaitedWhereTheAxesAre_data()
     QTest::newRow("told after it") << 4 << 4;
 }
 
-void TestTapeLinkState::otherTargetsAreAwaitedWhereTheAxesAre()
+void TapeLinkStateTest::otherTargetsAreAwaitedWhereTheAxesAre()
 {
     QFETCH(int, x);
     QFETCH(int, y);
@@ -285,7 +285,7 @@ void TestTapeLinkState::otherTargetsAreAwaitedWhereTheAxesAre()
     QCOMPARE(player.link.position(), QPoint(3, 3));
 }
 
-void TestTapeLinkState::stopAtNegativePositionsIsKnown()
+void TapeLinkStateTest::stopAtNegativePositionsIsKnown()
 {
     Player player(TapeMaker()
                       .write(0, setting, 1)
@@ -298,7 +298,7 @@ void TestTapeLinkState::stopAtNegativePositionsIsKnown()
     QCOMPARE(player.positions(), QStringLiteral("-1,-2"));
 }
 
-void TestTapeLinkState::pairOfTargetsIsAwaitedAsAPoint()
+void TapeLinkStateTest::pairOfTargetsIsAwaitedAsAPoint()
 {
     Player player(TapeMaker()
                       .write(0, target1, 3)
@@ -312,7 +312,7 @@ void TestTapeLinkState::pairOfTargetsIsAwaitedAsAPoint()
     QVERIFY(!player.link.awaitedTarget());
 }
 
-void TestTapeLinkState::tapeIsPlayedWhenTheAxesRestBehindItsLastWrite()
+void TapeLinkStateTest::tapeIsPlayedWhenTheAxesRestBehindItsLastWrite()
 {
     Player player(TapeMaker().write(0, setting, 0).positions(5, 1, 1).positions(9, 2, 2));
     QVERIFY(!player.link.isPlayed());
@@ -322,5 +322,5 @@ void TestTapeLinkState::tapeIsPlayedWhenTheAxesRestBehindItsLastWrite()
     QVERIFY(player.link.isPlayed());
 }
 
-QTEST_GUILESS_MAIN(TestTapeLinkState)
+QTEST_GUILESS_MAIN(TapeLinkStateTest)
 #include "tst_tape_link_state.moc"

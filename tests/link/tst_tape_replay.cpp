@@ -125,7 +125,7 @@ Ending replay(const QByteArray &text, const QVector<QPointF> &points = targets, 
 
 } // namespace
 
-class TestTapeReplay : public QObject
+class TapeReplayTest : public QObject
 {
     Q_OBJECT
 
@@ -144,14 +144,14 @@ private slots:
     void keptTapesArePlayed();
 };
 
-void TestTapeReplay::runIsRepeatedPointByPoint_data()
+void TapeReplayTest::runIsRepeatedPointByPoint_data()
 {
     QTest::addColumn<QString>("fault");
     for (const char *fault : {"", "lose:0.2", "late:3", "duplicate-write", "jump:50"})
         QTest::newRow(*fault ? fault : "no fault") << QString::fromLatin1(fault);
 }
 
-void TestTapeReplay::runIsRepeatedPointByPoint()
+void TapeReplayTest::runIsRepeatedPointByPoint()
 {
     QFETCH(QString, fault);
     Ending recorded;
@@ -166,7 +166,7 @@ void TestTapeReplay::runIsRepeatedPointByPoint()
     QCOMPARE(replayed.timeNs, recorded.timeNs);
 }
 
-void TestTapeReplay::runIsRepeatedWithFewerSamples_data()
+void TapeReplayTest::runIsRepeatedWithFewerSamples_data()
 {
     QTest::addColumn<int>("pauseUs");
     QTest::newRow("a little slower") << 130;
@@ -175,7 +175,7 @@ void TestTapeReplay::runIsRepeatedWithFewerSamples_data()
     QTest::newRow("two between updates") << 24000;
 }
 
-void TestTapeReplay::runIsRepeatedWithFewerSamples()
+void TapeReplayTest::runIsRepeatedWithFewerSamples()
 {
     QFETCH(int, pauseUs);
     Ending recorded;
@@ -193,7 +193,7 @@ void TestTapeReplay::runIsRepeatedWithFewerSamples()
     }
 }
 
-void TestTapeReplay::laterStartsDoNotMatter()
+void TapeReplayTest::laterStartsDoNotMatter()
 {
     Ending recorded;
     const Tape tape = parsed(record(&recorded));
@@ -212,7 +212,7 @@ void TestTapeReplay::laterStartsDoNotMatter()
     QVERIFY(link.isAtEnd());
 }
 
-void TestTapeReplay::otherTargetsAreReported()
+void TapeReplayTest::otherTargetsAreReported()
 {
     Ending recorded;
     const QByteArray tape = record(&recorded);
@@ -220,7 +220,7 @@ void TestTapeReplay::otherTargetsAreReported()
              QStringLiteral("write 0x12 m0 801, but the tape has write 0x12 m0 800 there"));
 }
 
-void TestTapeReplay::stopIsRepeatedPointByPoint()
+void TapeReplayTest::stopIsRepeatedPointByPoint()
 {
     Ending recorded;
     const Tape tape = parsed(recordStop(&recorded));
@@ -237,7 +237,7 @@ void TestTapeReplay::stopIsRepeatedPointByPoint()
     QCOMPARE(replayed.timeNs, recorded.timeNs);
 }
 
-void TestTapeReplay::stopIsRepeatedWithOtherSamples_data()
+void TapeReplayTest::stopIsRepeatedWithOtherSamples_data()
 {
     QTest::addColumn<int>("pauseUs");
     for (const int pause : {70, 130, 500, 3100, 7700, 24000})
@@ -245,7 +245,7 @@ void TestTapeReplay::stopIsRepeatedWithOtherSamples_data()
 }
 
 /// The one who stops waits until the tape does and the panel shows where.
-void TestTapeReplay::stopIsRepeatedWithOtherSamples()
+void TapeReplayTest::stopIsRepeatedWithOtherSamples()
 {
     QFETCH(int, pauseUs);
     Ending recorded;
@@ -266,7 +266,7 @@ void TestTapeReplay::stopIsRepeatedWithOtherSamples()
         QVERIFY(told.contains(point));
 }
 
-void TestTapeReplay::keptTapesArePlayed_data()
+void TapeReplayTest::keptTapesArePlayed_data()
 {
     QTest::addColumn<QString>("fileName");
     const QDir folder(QStringLiteral(TAPES_FOLDER));
@@ -277,7 +277,7 @@ void TestTapeReplay::keptTapesArePlayed_data()
 }
 
 /// Each of them holds moves to the targets above.
-void TestTapeReplay::keptTapesArePlayed()
+void TapeReplayTest::keptTapesArePlayed()
 {
     QFETCH(QString, fileName);
     QFile file(fileName);
@@ -292,5 +292,5 @@ void TestTapeReplay::keptTapesArePlayed()
     QCOMPARE(replayed.position, targets.constLast());
 }
 
-QTEST_MAIN(TestTapeReplay)
+QTEST_MAIN(TapeReplayTest)
 #include "tst_tape_replay.moc"

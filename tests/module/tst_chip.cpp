@@ -9,7 +9,7 @@
 
 using namespace workbench;
 
-class TestChip : public QObject
+class ChipTest : public QObject
 {
     Q_OBJECT
 
@@ -33,18 +33,18 @@ private:
     std::unique_ptr<SimulatedChip> chip;
 };
 
-void TestChip::initTestCase()
+void ChipTest::initTestCase()
 {
     description = readShippedChip();
     QVERIFY(description);
 }
 
-void TestChip::init()
+void ChipTest::init()
 {
     chip = std::make_unique<SimulatedChip>(*description);
 }
 
-void TestChip::everyReadableRegisterStartsWithItsResetValue()
+void ChipTest::everyReadableRegisterStartsWithItsResetValue()
 {
     for (const RegisterDescription &entry : description->registers) {
         int value = entry.resetValue + 1;
@@ -53,7 +53,7 @@ void TestChip::everyReadableRegisterStartsWithItsResetValue()
     }
 }
 
-void TestChip::unknownAddressesAreRefused()
+void ChipTest::unknownAddressesAreRefused()
 {
     int value = 77;
     QVERIFY(!chip->read(0xFFFF, &value));
@@ -62,7 +62,7 @@ void TestChip::unknownAddressesAreRefused()
     QCOMPARE(value, 77);
 }
 
-void TestChip::readOnlyRegistersAreNotWritten()
+void ChipTest::readOnlyRegistersAreNotWritten()
 {
     int readOnlyCount = 0;
     for (const RegisterDescription &entry : description->registers) {
@@ -75,7 +75,7 @@ void TestChip::readOnlyRegistersAreNotWritten()
     QVERIFY(readOnlyCount >= 4);
 }
 
-void TestChip::registerKeepsTheBitsOfItsFields_data()
+void ChipTest::registerKeepsTheBitsOfItsFields_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("written");
@@ -91,7 +91,7 @@ void TestChip::registerKeepsTheBitsOfItsFields_data()
     QTest::newRow("unsigned field") << QStringLiteral("RAMPMODE") << -1 << 0xFFFF;
 }
 
-void TestChip::registerKeepsTheBitsOfItsFields()
+void ChipTest::registerKeepsTheBitsOfItsFields()
 {
     QFETCH(QString, name);
     QFETCH(int, written);
@@ -100,7 +100,7 @@ void TestChip::registerKeepsTheBitsOfItsFields()
     QCOMPARE(readByName(*chip, name), held);
 }
 
-void TestChip::chipWithoutMotionRegistersStandsStill()
+void ChipTest::chipWithoutMotionRegistersStandsStill()
 {
     ChipDescription small;
     small.registers.append(RegisterDescription());
@@ -116,7 +116,7 @@ void TestChip::chipWithoutMotionRegistersStandsStill()
     QVERIFY(!bare.isMoving());
 }
 
-void TestChip::timeDoesNotRunBackwards()
+void ChipTest::timeDoesNotRunBackwards()
 {
     setTarget(*chip, 0, 1000);
     chip->advanceTo(500 * msInNs);
@@ -129,7 +129,7 @@ void TestChip::timeDoesNotRunBackwards()
     QVERIFY(chip->position(0) > position);
 }
 
-void TestChip::resetReturnsEverythingToTheBeginning()
+void ChipTest::resetReturnsEverythingToTheBeginning()
 {
     setTargets(*chip, 1000, -1000);
     writeByName(*chip, QStringLiteral("M1_AMAX"), 1);
@@ -145,7 +145,7 @@ void TestChip::resetReturnsEverythingToTheBeginning()
     QCOMPARE(chip->position(0), 100);
 }
 
-void TestChip::statusTellsTargetAndStandstill()
+void ChipTest::statusTellsTargetAndStandstill()
 {
     const QString status = QStringLiteral("M0_STATUS");
     QCOMPARE(readByName(*chip, status), 3);
@@ -157,7 +157,7 @@ void TestChip::statusTellsTargetAndStandstill()
     QCOMPARE(readByName(*chip, status), 3);
 }
 
-void TestChip::otherRampModesHoldTheAxes()
+void ChipTest::otherRampModesHoldTheAxes()
 {
     for (int mode : {1, 2, 767, 769, 0xFFFF}) {
         chip->reset();
@@ -169,5 +169,5 @@ void TestChip::otherRampModesHoldTheAxes()
     }
 }
 
-QTEST_GUILESS_MAIN(TestChip)
+QTEST_GUILESS_MAIN(ChipTest)
 #include "tst_chip.moc"

@@ -6,7 +6,7 @@
 
 using namespace workbench;
 
-class TestChipDescription : public QObject
+class ChipDescriptionTest : public QObject
 {
     Q_OBJECT
 
@@ -49,7 +49,7 @@ QByteArray registerWith(const QByteArray &address, const QByteArray &more)
 
 } // namespace
 
-void TestChipDescription::shippedChipIsReadWithoutError()
+void ChipDescriptionTest::shippedChipIsReadWithoutError()
 {
     ChipDescriptionError error;
     const auto chip = readShippedChip(&error);
@@ -65,7 +65,7 @@ void TestChipDescription::shippedChipIsReadWithoutError()
     QCOMPARE(chip->findRegister(0xFFFFu), nullptr);
 }
 
-void TestChipDescription::shippedChipHasAFieldOfItsNameInEveryRampRegister()
+void ChipDescriptionTest::shippedChipHasAFieldOfItsNameInEveryRampRegister()
 {
     const auto chip = readShippedChip();
     QVERIFY(chip);
@@ -92,7 +92,7 @@ void TestChipDescription::shippedChipHasAFieldOfItsNameInEveryRampRegister()
     }
 }
 
-void TestChipDescription::everythingThatIsWrittenIsRead()
+void ChipDescriptionTest::everythingThatIsWrittenIsRead()
 {
     ChipDescriptionError error;
     const auto chip = parse(chipOf(R"(<!-- all of it -->
@@ -122,7 +122,7 @@ text"><field identifier="I" name="shown" low="3" width="29" signed="true"/>
     QVERIFY(!entry.fields.at(1).isSigned);
 }
 
-void TestChipDescription::numbersAreReadAsWritten_data()
+void ChipDescriptionTest::numbersAreReadAsWritten_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<int>("value");
@@ -135,7 +135,7 @@ void TestChipDescription::numbersAreReadAsWritten_data()
     QTest::newRow("all bits") << QByteArray("0xFFFFFFFF") << -1;
 }
 
-void TestChipDescription::numbersAreReadAsWritten()
+void ChipDescriptionTest::numbersAreReadAsWritten()
 {
     QFETCH(QByteArray, text);
     QFETCH(int, value);
@@ -146,7 +146,7 @@ void TestChipDescription::numbersAreReadAsWritten()
     QCOMPARE(chip->registers.first().resetValue, value);
 }
 
-void TestChipDescription::faultIsReportedWithItsLine_data()
+void ChipDescriptionTest::faultIsReportedWithItsLine_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<int>("line");
@@ -241,7 +241,7 @@ void TestChipDescription::faultIsReportedWithItsLine_data()
              "unknown element 'field'");
 }
 
-void TestChipDescription::faultIsReportedWithItsLine()
+void ChipDescriptionTest::faultIsReportedWithItsLine()
 {
     QFETCH(QByteArray, text);
     QFETCH(int, line);
@@ -253,7 +253,7 @@ void TestChipDescription::faultIsReportedWithItsLine()
     QCOMPARE(error.line, line);
 }
 
-void TestChipDescription::tooManyRegistersAreRefused()
+void ChipDescriptionTest::tooManyRegistersAreRefused()
 {
     QByteArray content;
     for (int i = 0; i < 4097; ++i) {
@@ -268,7 +268,7 @@ void TestChipDescription::tooManyRegistersAreRefused()
     QVERIFY(parse(chipOf(content)));
 }
 
-void TestChipDescription::tooLargeAFileIsRefused()
+void ChipDescriptionTest::tooLargeAFileIsRefused()
 {
     const QByteArray chip = chipOf(registerA);
     const int limit = 16 * 1024 * 1024;
@@ -278,12 +278,12 @@ void TestChipDescription::tooLargeAFileIsRefused()
     QCOMPARE(error.reason, QStringLiteral("the file is larger than 16 MiB"));
 }
 
-void TestChipDescription::errorMayBeLeftOut()
+void ChipDescriptionTest::errorMayBeLeftOut()
 {
     QVERIFY(!parse("<chip", nullptr));
 }
 
-void TestChipDescription::cutOffFileNeverPasses()
+void ChipDescriptionTest::cutOffFileNeverPasses()
 {
     const QByteArray chip = chipOf(registerA).trimmed();
     QVERIFY(parse(chip));
@@ -295,5 +295,5 @@ void TestChipDescription::cutOffFileNeverPasses()
     }
 }
 
-QTEST_GUILESS_MAIN(TestChipDescription)
+QTEST_GUILESS_MAIN(ChipDescriptionTest)
 #include "tst_chip_description.moc"

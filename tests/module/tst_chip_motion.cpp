@@ -11,7 +11,7 @@ using namespace workbench;
 
 Q_DECLARE_METATYPE(workbench::RampSettings)
 
-class TestChipMotion : public QObject
+class ChipMotionTest : public QObject
 {
     Q_OBJECT
 
@@ -36,18 +36,18 @@ private:
     std::unique_ptr<SimulatedChip> chip;
 };
 
-void TestChipMotion::initTestCase()
+void ChipMotionTest::initTestCase()
 {
     description = readShippedChip();
     QVERIFY(description);
 }
 
-void TestChipMotion::init()
+void ChipMotionTest::init()
 {
     chip = std::make_unique<SimulatedChip>(*description);
 }
 
-void TestChipMotion::stepSizeDoesNotChangeWhereTheAxesAre()
+void ChipMotionTest::stepSizeDoesNotChangeWhereTheAxesAre()
 {
     SimulatedChip coarse(*description);
     for (SimulatedChip *each : {chip.get(), &coarse})
@@ -68,7 +68,7 @@ void TestChipMotion::stepSizeDoesNotChangeWhereTheAxesAre()
     QCOMPARE(chip->position(0), -700);
 }
 
-void TestChipMotion::independentAxesReachTheirTargets_data()
+void ChipMotionTest::independentAxesReachTheirTargets_data()
 {
     QTest::addColumn<int>("target0");
     QTest::addColumn<int>("target1");
@@ -83,7 +83,7 @@ void TestChipMotion::independentAxesReachTheirTargets_data()
                                           800000,  1000000, 2000000, 1900000};
 }
 
-void TestChipMotion::independentAxesReachTheirTargets()
+void ChipMotionTest::independentAxesReachTheirTargets()
 {
     QFETCH(int, target0);
     QFETCH(int, target1);
@@ -100,7 +100,7 @@ void TestChipMotion::independentAxesReachTheirTargets()
     QCOMPARE(observer.violation(), QString());
 }
 
-void TestChipMotion::linkedAxesRunStraightAndStopTogether_data()
+void ChipMotionTest::linkedAxesRunStraightAndStopTogether_data()
 {
     QTest::addColumn<int>("target0");
     QTest::addColumn<int>("target1");
@@ -124,7 +124,7 @@ void TestChipMotion::linkedAxesRunStraightAndStopTogether_data()
                                 << ramp(4500000, 4000000, 6000000) << true;
 }
 
-void TestChipMotion::linkedAxesRunStraightAndStopTogether()
+void ChipMotionTest::linkedAxesRunStraightAndStopTogether()
 {
     QFETCH(int, target0);
     QFETCH(int, target1);
@@ -150,7 +150,7 @@ void TestChipMotion::linkedAxesRunStraightAndStopTogether()
     QCOMPARE(observer.violation(), QString());
 }
 
-void TestChipMotion::linkedMoveTakesAsLongAsItsTighterAxisNeeds()
+void ChipMotionTest::linkedMoveTakesAsLongAsItsTighterAxisNeeds()
 {
     // Axis 1 alone: 200 at 100 up in 2 s, at 100 down in 2 s, 600 at 200 in 3 s.
     setRamp(*chip, 0, ramp(10000, 50000, 60000));
@@ -168,7 +168,7 @@ void TestChipMotion::linkedMoveTakesAsLongAsItsTighterAxisNeeds()
     QVERIFY(!chip->isMoving());
 }
 
-void TestChipMotion::linkedMoveOfOneAxisNeedsNothingOfTheOther()
+void ChipMotionTest::linkedMoveOfOneAxisNeedsNothingOfTheOther()
 {
     setRamp(*chip, 1, RampSettings());
     startLinked(*chip, 1000, 0);
@@ -177,7 +177,7 @@ void TestChipMotion::linkedMoveOfOneAxisNeedsNothingOfTheOther()
     QCOMPARE(observer.positions(), (Positions{1000, 0}));
 }
 
-void TestChipMotion::shippedRampsStartAndArriveInHandyTime()
+void ChipMotionTest::shippedRampsStartAndArriveInHandyTime()
 {
     for (int target : {256, 2000}) {
         SimulatedChip timed(*description);
@@ -191,7 +191,7 @@ void TestChipMotion::shippedRampsStartAndArriveInHandyTime()
     }
 }
 
-void TestChipMotion::oddSettingsNeitherHangNorJump_data()
+void ChipMotionTest::oddSettingsNeitherHangNorJump_data()
 {
     QTest::addColumn<RampSettings>("settings");
     QTest::addColumn<bool>("arrives");
@@ -219,7 +219,7 @@ void TestChipMotion::oddSettingsNeitherHangNorJump_data()
     QTest::newRow("high rates, low velocity") << ramp(1, intMax, intMax) << true;
 }
 
-void TestChipMotion::oddSettingsNeitherHangNorJump()
+void ChipMotionTest::oddSettingsNeitherHangNorJump()
 {
     QFETCH(RampSettings, settings);
     QFETCH(bool, arrives);
@@ -247,7 +247,7 @@ void TestChipMotion::oddSettingsNeitherHangNorJump()
     }
 }
 
-void TestChipMotion::positionsSaturateAtTheEnds()
+void ChipMotionTest::positionsSaturateAtTheEnds()
 {
     setRamp(*chip, 0, ramp(100000, 1000000, 1000000));
     setRamp(*chip, 1, ramp(intMax, intMax, intMax));
@@ -274,5 +274,5 @@ void TestChipMotion::positionsSaturateAtTheEnds()
     QVERIFY(!chip->isMoving());
 }
 
-QTEST_GUILESS_MAIN(TestChipMotion)
+QTEST_GUILESS_MAIN(ChipMotionTest)
 #include "tst_chip_motion.moc"

@@ -9,7 +9,7 @@
 
 using namespace workbench;
 
-class TestChipRetarget : public QObject
+class ChipRetargetTest : public QObject
 {
     Q_OBJECT
 
@@ -34,18 +34,18 @@ private:
     std::unique_ptr<SimulatedChip> chip;
 };
 
-void TestChipRetarget::initTestCase()
+void ChipRetargetTest::initTestCase()
 {
     description = readShippedChip();
     QVERIFY(description);
 }
 
-void TestChipRetarget::init()
+void ChipRetargetTest::init()
 {
     chip = std::make_unique<SimulatedChip>(*description);
 }
 
-void TestChipRetarget::retargetedPairTurnsWithoutAJump_data()
+void ChipRetargetTest::retargetedPairTurnsWithoutAJump_data()
 {
     QTest::addColumn<int>("target0");
     QTest::addColumn<int>("target1");
@@ -58,7 +58,7 @@ void TestChipRetarget::retargetedPairTurnsWithoutAJump_data()
     QTest::newRow("one axis stays") << 2000 << -3000;
 }
 
-void TestChipRetarget::retargetedPairTurnsWithoutAJump()
+void ChipRetargetTest::retargetedPairTurnsWithoutAJump()
 {
     QFETCH(int, target0);
     QFETCH(int, target1);
@@ -80,7 +80,7 @@ void TestChipRetarget::retargetedPairTurnsWithoutAJump()
     }
 }
 
-void TestChipRetarget::furtherTargetOnTheLineKeepsThePairOnIt()
+void ChipRetargetTest::furtherTargetOnTheLineKeepsThePairOnIt()
 {
     startLinked(*chip, 2000, 0);
     MotionObserver observer(*chip);
@@ -100,7 +100,7 @@ void TestChipRetarget::furtherTargetOnTheLineKeepsThePairOnIt()
     QVERIFY(observer.time() - other.time() <= 2 * msInNs);
 }
 
-void TestChipRetarget::sameValuesWrittenAgainChangeNothing()
+void ChipRetargetTest::sameValuesWrittenAgainChangeNothing()
 {
     SimulatedChip undisturbed(*description);
     for (SimulatedChip *each : {chip.get(), &undisturbed})
@@ -114,7 +114,7 @@ void TestChipRetarget::sameValuesWrittenAgainChangeNothing()
     }
 }
 
-void TestChipRetarget::lowDecelerationNextToHighOnesDoesNotDelayATurn()
+void ChipRetargetTest::lowDecelerationNextToHighOnesDoesNotDelayATurn()
 {
     const RampSettings slowStart = RampSettings{20000, 40000, 40000, 10, 20, 20, 0, 0, 0};
     setRamp(*chip, 0, slowStart);
@@ -128,7 +128,7 @@ void TestChipRetarget::lowDecelerationNextToHighOnesDoesNotDelayATurn()
     QCOMPARE(observer.violation(), QString());
 }
 
-void TestChipRetarget::maximumVelocityOfZeroHaltsThePairOnItsLine()
+void ChipRetargetTest::maximumVelocityOfZeroHaltsThePairOnItsLine()
 {
     for (int axis : {0, 1}) {
         SimulatedChip each(*description);
@@ -154,7 +154,7 @@ void TestChipRetarget::maximumVelocityOfZeroHaltsThePairOnItsLine()
     }
 }
 
-void TestChipRetarget::targetOffTheLineDoesNotTurnAPairThatMayNotMove()
+void ChipRetargetTest::targetOffTheLineDoesNotTurnAPairThatMayNotMove()
 {
     for (int axis : {0, 1}) {
         SimulatedChip each(*description);
@@ -175,7 +175,7 @@ void TestChipRetarget::targetOffTheLineDoesNotTurnAPairThatMayNotMove()
     }
 }
 
-void TestChipRetarget::loweredMaximumVelocityIsReachedByBraking()
+void ChipRetargetTest::loweredMaximumVelocityIsReachedByBraking()
 {
     startLinked(*chip, 5000, 2500);
     MotionObserver observer(*chip);
@@ -190,7 +190,7 @@ void TestChipRetarget::loweredMaximumVelocityIsReachedByBraking()
     QCOMPARE(observer.violation(), QString());
 }
 
-void TestChipRetarget::modeChangeDuringAMoveIsWithoutAJump()
+void ChipRetargetTest::modeChangeDuringAMoveIsWithoutAJump()
 {
     startLinked(*chip, 5000, -2500);
     MotionObserver observer(*chip);
@@ -208,14 +208,14 @@ void TestChipRetarget::modeChangeDuringAMoveIsWithoutAJump()
     QCOMPARE(observer.violation(), QString());
 }
 
-void TestChipRetarget::randomCommandsNeverBreakARule_data()
+void ChipRetargetTest::randomCommandsNeverBreakARule_data()
 {
     QTest::addColumn<quint32>("seed");
     for (quint32 seed = 1; seed <= 40; ++seed)
         QTest::newRow(qPrintable(QStringLiteral("seed %1").arg(seed))) << seed;
 }
 
-void TestChipRetarget::randomCommandsNeverBreakARule()
+void ChipRetargetTest::randomCommandsNeverBreakARule()
 {
     QFETCH(quint32, seed);
     QRandomGenerator random(seed);
@@ -251,5 +251,5 @@ void TestChipRetarget::randomCommandsNeverBreakARule()
     QCOMPARE(observer.violation(), QString());
 }
 
-QTEST_GUILESS_MAIN(TestChipRetarget)
+QTEST_GUILESS_MAIN(ChipRetargetTest)
 #include "tst_chip_retarget.moc"

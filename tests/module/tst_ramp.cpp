@@ -6,7 +6,7 @@
 
 using namespace workbench;
 
-class TestRamp : public QObject
+class RampTest : public QObject
 {
     Q_OBJECT
 
@@ -67,7 +67,7 @@ void compareEnd(const PlannedMove &move, double distance, double seconds)
 
 } // namespace
 
-void TestRamp::moveFromStandstillTakesTheClosedFormTime_data()
+void RampTest::moveFromStandstillTakesTheClosedFormTime_data()
 {
     QTest::addColumn<int>("vMax");
     QTest::addColumn<int>("aMax");
@@ -89,7 +89,7 @@ void TestRamp::moveFromStandstillTakesTheClosedFormTime_data()
     QTest::newRow("one unit") << 200 << 4 << 4 << 1.0 << 1.0;
 }
 
-void TestRamp::moveFromStandstillTakesTheClosedFormTime()
+void RampTest::moveFromStandstillTakesTheClosedFormTime()
 {
     QFETCH(int, vMax);
     QFETCH(int, aMax);
@@ -99,7 +99,7 @@ void TestRamp::moveFromStandstillTakesTheClosedFormTime()
     compareEnd(planMove(axisLimits(plainRamp(vMax, aMax, dMax)), distance, 0), distance, seconds);
 }
 
-void TestRamp::stagedMoveChangesItsAccelerationAtTheStageVelocities()
+void RampTest::stagedMoveChangesItsAccelerationAtTheStageVelocities()
 {
     // Up: 0.5 s and 25, 0.5 s and 100, 2 s and 800. Down: 4 s and 1600, 1 s and 200, 1 s and 50.
     const double rampDistance = 25 + 100 + 800 + 1600 + 200 + 50;
@@ -117,7 +117,7 @@ void TestRamp::stagedMoveChangesItsAccelerationAtTheStageVelocities()
     }
 }
 
-void TestRamp::stageOfVelocityZeroIsSkipped()
+void RampTest::stageOfVelocityZeroIsSkipped()
 {
     RampSettings settings = plainRamp(200, 100, 200);
     settings.a1 = settings.d1 = settings.a2 = settings.d2 = 1;
@@ -126,7 +126,7 @@ void TestRamp::stageOfVelocityZeroIsSkipped()
     compareEnd(planMove(axisLimits(settings), 1000, 0), 1000, 6.5);
 }
 
-void TestRamp::secondStageBelowTheFirstIsSkipped()
+void RampTest::secondStageBelowTheFirstIsSkipped()
 {
     RampSettings settings = stagedRamp();
     settings.v2 = 50;
@@ -135,7 +135,7 @@ void TestRamp::secondStageBelowTheFirstIsSkipped()
     compareEnd(planMove(axisLimits(settings), 3675, 0), 3675, 13.5);
 }
 
-void TestRamp::stageBeyondTheMaximumVelocityEndsThere()
+void RampTest::stageBeyondTheMaximumVelocityEndsThere()
 {
     RampSettings settings = stagedRamp();
     settings.vMax = 80;
@@ -143,7 +143,7 @@ void TestRamp::stageBeyondTheMaximumVelocityEndsThere()
     compareEnd(planMove(axisLimits(settings), 848, 0), 848, 11.2);
 }
 
-void TestRamp::tooFastMoveOvershootsAndComesBack()
+void RampTest::tooFastMoveOvershootsAndComesBack()
 {
     const PlannedMove move = planMove(axisLimits(plainRamp(1000, 100, 100)), 18, 100);
     // Halts in 1 s at 50; the 32 back take 2 sqrt(32 / 100).
@@ -152,14 +152,14 @@ void TestRamp::tooFastMoveOvershootsAndComesBack()
     QVERIFY(near(move.profile.at(0).speed, 100));
 }
 
-void TestRamp::moveAgainstTheDirectionBrakesFirst()
+void RampTest::moveAgainstTheDirectionBrakesFirst()
 {
     const PlannedMove move = planMove(axisLimits(plainRamp(1000, 100, 100)), 50, -100);
     compareEnd(move, 50, 1 + 2);
     QVERIFY(near(move.profile.at(1).position, -50));
 }
 
-void TestRamp::aboveTheMaximumVelocityTheMoveBrakesToItFirst()
+void RampTest::aboveTheMaximumVelocityTheMoveBrakesToItFirst()
 {
     // 300 to 100 at 100 covers 400 in 2 s; 100 to 0 covers 50 in 1 s; 550 between.
     const PlannedMove move = planMove(axisLimits(plainRamp(100, 100, 100)), 1000, 300);
@@ -167,7 +167,7 @@ void TestRamp::aboveTheMaximumVelocityTheMoveBrakesToItFirst()
     QVERIFY(near(move.profile.at(1).speed, 200));
 }
 
-void TestRamp::missingDecelerationIsReplacedByTheAcceleration()
+void RampTest::missingDecelerationIsReplacedByTheAcceleration()
 {
     compareEnd(planMove(axisLimits(plainRamp(1000, 400, 0)), 900, 0), 900, 3);
     compareEnd(planMove(axisLimits(plainRamp(1000, 400, -7)), 900, 0), 900, 3);
@@ -179,7 +179,7 @@ void TestRamp::missingDecelerationIsReplacedByTheAcceleration()
     QVERIFY(near(halt.duration(), 0.25));
 }
 
-void TestRamp::withoutAnyRateAMovingAxisStillHalts()
+void RampTest::withoutAnyRateAMovingAxisStillHalts()
 {
     const Profile halt = planHalt(axisLimits(RampSettings()), 500);
     QVERIFY(halt.duration() > 0);
@@ -187,7 +187,7 @@ void TestRamp::withoutAnyRateAMovingAxisStillHalts()
     QVERIFY(near(halt.endPosition(), 500 * halt.duration() / 2));
 }
 
-void TestRamp::withoutAccelerationTheMoveDoesNotBegin()
+void RampTest::withoutAccelerationTheMoveDoesNotBegin()
 {
     const PlannedMove noRate = planMove(axisLimits(plainRamp(1000, 0, 400)), 900, 0);
     QVERIFY(!noRate.arrives);
@@ -197,13 +197,13 @@ void TestRamp::withoutAccelerationTheMoveDoesNotBegin()
     QCOMPARE(noVelocity.profile.endPosition(), 0.0);
 }
 
-void TestRamp::withoutAccelerationARunningMoveCoastsToItsTarget()
+void RampTest::withoutAccelerationARunningMoveCoastsToItsTarget()
 {
     // 150 at 100, then 50 braking.
     compareEnd(planMove(axisLimits(plainRamp(1000, 0, 100)), 200, 100), 200, 1.5 + 1);
 }
 
-void TestRamp::lineKeepsToTheTighterLimitOfBothAxes()
+void RampTest::lineKeepsToTheTighterLimitOfBothAxes()
 {
     const RampLimits slow = limitsAlong(axisLimits(plainRamp(100, 30, 40)), 0.5);
     const RampLimits fast = axisLimits(stagedRamp());
@@ -216,5 +216,5 @@ void TestRamp::lineKeepsToTheTighterLimitOfBothAxes()
     QCOMPARE(both.reachableSpeed(), 200.0);
 }
 
-QTEST_GUILESS_MAIN(TestRamp)
+QTEST_GUILESS_MAIN(RampTest)
 #include "tst_ramp.moc"

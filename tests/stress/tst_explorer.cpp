@@ -41,7 +41,7 @@ QString exploreSequences(unsigned int first, int sequences)
 /// EXPLORER_SEED the first sequence's seed, each further one having the next. Runs of more than
 /// five minutes need QTEST_FUNCTION_TIMEOUT. With EXPLORER_WORKER set the sequences run in this
 /// process, to have a debugger look at them.
-class TestExplorer : public QObject
+class ExplorerTest : public QObject
 {
     Q_OBJECT
 
@@ -56,7 +56,7 @@ private:
     static void exploreHere();
 };
 
-void TestExplorer::eventsMeanTheSameForTheSameSeed()
+void ExplorerTest::eventsMeanTheSameForTheSameSeed()
 {
     const auto texts = [](unsigned int seed) {
         QStringList all;
@@ -68,7 +68,7 @@ void TestExplorer::eventsMeanTheSameForTheSameSeed()
     QVERIFY(texts(5) != texts(6));
 }
 
-void TestExplorer::shorteningLeavesTheEventsThatMatter()
+void ExplorerTest::shorteningLeavesTheEventsThatMatter()
 {
     // A tool that works breaks no rule, so a made-up one stands for a failure.
     ExplorerEvents events = explorerEvents(11, 40);
@@ -83,7 +83,7 @@ void TestExplorer::shorteningLeavesTheEventsThatMatter()
     QCOMPARE(few.constFirst().a, 77);
 }
 
-void TestExplorer::whateverHappensTheToolStaysWhole()
+void ExplorerTest::whateverHappensTheToolStaysWhole()
 {
     if (ExplorerRun::isHere())
         return exploreHere();
@@ -96,7 +96,7 @@ void TestExplorer::whateverHappensTheToolStaysWhole()
     }
 }
 
-void TestExplorer::exploreHere()
+void ExplorerTest::exploreHere()
 {
     const int events = numberFrom("EXPLORER_EVENTS", presetEvents);
     const auto first = static_cast<unsigned int>(numberFrom("EXPLORER_SEED", int(presetSeed)));
@@ -116,7 +116,7 @@ void TestExplorer::exploreHere()
     }
 }
 
-void TestExplorer::crashesAreShortenedToo()
+void ExplorerTest::crashesAreShortenedToo()
 {
     ExplorerRun run(QStringLiteral("whateverHappensTheToolStaysWhole"));
     run.abortOn(ExplorerEvent::TraceLength);
@@ -128,5 +128,5 @@ void TestExplorer::crashesAreShortenedToo()
     QVERIFY2(sequence.contains(QLatin1String("    trace length {")), qPrintable(broken));
 }
 
-QTEST_MAIN(TestExplorer)
+QTEST_MAIN(ExplorerTest)
 #include "tst_explorer.moc"

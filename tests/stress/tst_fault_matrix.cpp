@@ -191,7 +191,7 @@ void verifyDeletions(const Fault &fault)
 
 } // namespace
 
-class TestFaultMatrix : public QObject
+class FaultMatrixTest : public QObject
 {
     Q_OBJECT
 
@@ -202,7 +202,7 @@ private slots:
     void faultPassesAndTheNextMoveArrives();
 };
 
-void TestFaultMatrix::faultPassesAndTheNextMoveArrives_data()
+void FaultMatrixTest::faultPassesAndTheNextMoveArrives_data()
 {
     QTest::addColumn<int>("kind");
     QTest::addColumn<int>("state");
@@ -213,7 +213,7 @@ void TestFaultMatrix::faultPassesAndTheNextMoveArrives_data()
     }
 }
 
-void TestFaultMatrix::faultPassesAndTheNextMoveArrives()
+void FaultMatrixTest::faultPassesAndTheNextMoveArrives()
 {
     QFETCH(int, kind);
     QFETCH(int, state);
@@ -243,5 +243,5 @@ void TestFaultMatrix::faultPassesAndTheNextMoveArrives()
         recover(bench);
 }
 
-QTEST_MAIN(TestFaultMatrix)
+QTEST_MAIN(FaultMatrixTest)
 #include "tst_fault_matrix.moc"

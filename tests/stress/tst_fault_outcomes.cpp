@@ -7,7 +7,7 @@
 
 using workbench::FaultKind;
 
-class TestFaultOutcomes : public QObject
+class FaultOutcomesTest : public QObject
 {
     Q_OBJECT
 
@@ -25,7 +25,7 @@ private slots:
     void longerFlightPathLoadedAfterARunIsDrivenBehindTheNextMove();
 };
 
-void TestFaultOutcomes::failedVelocityReadsDoNotEndAMove()
+void FaultOutcomesTest::failedVelocityReadsDoNotEndAMove()
 {
     FaultBench bench;
     enter(bench, Moving);
@@ -39,7 +39,7 @@ void TestFaultOutcomes::failedVelocityReadsDoNotEndAMove()
     QVERIFY(bench.isIdle());
 }
 
-void TestFaultOutcomes::failedPositionRequestShowsTheRequestItself()
+void FaultOutcomesTest::failedPositionRequestShowsTheRequestItself()
 {
     FaultBench bench;
     enter(bench, Moving);
@@ -52,7 +52,7 @@ void TestFaultOutcomes::failedPositionRequestShowsTheRequestItself()
     QCOMPARE(bench.actual(), QPointF(bench.chipPosition()));
 }
 
-void TestFaultOutcomes::stopAfterAFailedPositionRequestDrivesToWhatIsShown()
+void FaultOutcomesTest::stopAfterAFailedPositionRequestDrivesToWhatIsShown()
 {
     FaultBench bench;
     enter(bench, Moving);
@@ -72,7 +72,7 @@ void TestFaultOutcomes::stopAfterAFailedPositionRequestDrivesToWhatIsShown()
     QCOMPARE(bench.chipPosition(), here.toPoint());
 }
 
-void TestFaultOutcomes::startThatCannotReadTheVelocitiesLeavesThemAtZeroAndTheMarkSaysSo()
+void FaultOutcomesTest::startThatCannotReadTheVelocitiesLeavesThemAtZeroAndTheMarkSaysSo()
 {
     FaultBench bench;
     enter(bench, Picked);
@@ -94,7 +94,7 @@ void TestFaultOutcomes::startThatCannotReadTheVelocitiesLeavesThemAtZeroAndTheMa
     verifyMove(bench, lastTarget);
 }
 
-void TestFaultOutcomes::moveWhoseRegistersAreDeletedNeverEnds()
+void FaultOutcomesTest::moveWhoseRegistersAreDeletedNeverEnds()
 {
     FaultBench bench;
     enter(bench, Moving);
@@ -108,7 +108,7 @@ void TestFaultOutcomes::moveWhoseRegistersAreDeletedNeverEnds()
     QCOMPARE(bench.actual(), firstTarget);
 }
 
-void TestFaultOutcomes::movesWithoutTargetWidgetsGoToTheOldTarget()
+void FaultOutcomesTest::movesWithoutTargetWidgetsGoToTheOldTarget()
 {
     FaultBench bench;
     enter(bench, Moving);
@@ -122,7 +122,7 @@ void TestFaultOutcomes::movesWithoutTargetWidgetsGoToTheOldTarget()
     QCOMPARE(bench.chipPosition(), firstTarget.toPoint());
 }
 
-void TestFaultOutcomes::longerFlightPathLoadedAfterARunIsDrivenBehindTheNextMove()
+void FaultOutcomesTest::longerFlightPathLoadedAfterARunIsDrivenBehindTheNextMove()
 {
     FaultBench bench;
     enter(bench, Idle);
@@ -150,5 +150,5 @@ void TestFaultOutcomes::longerFlightPathLoadedAfterARunIsDrivenBehindTheNextMove
     QCOMPARE(bench.chipPosition(), QPoint(300, 400));
 }
 
-QTEST_MAIN(TestFaultOutcomes)
+QTEST_MAIN(FaultOutcomesTest)
 #include "tst_fault_outcomes.moc"

@@ -49,7 +49,7 @@ const QVector<Act> &innerActs()
 
 } // namespace
 
-class TestFaultReentry : public QObject
+class FaultReentryTest : public QObject
 {
     Q_OBJECT
 
@@ -64,7 +64,7 @@ private slots:
     void updateTickInsideAVelocityReadDrivesNoPointTwiceOrNever();
 };
 
-void TestFaultReentry::eventsInTheMiddleOfARequestLeaveTheToolWhole_data()
+void FaultReentryTest::eventsInTheMiddleOfARequestLeaveTheToolWhole_data()
 {
     QTest::addColumn<int>("outer");
     QTest::addColumn<int>("inner");
@@ -79,7 +79,7 @@ void TestFaultReentry::eventsInTheMiddleOfARequestLeaveTheToolWhole_data()
     }
 }
 
-void TestFaultReentry::eventsInTheMiddleOfARequestLeaveTheToolWhole()
+void FaultReentryTest::eventsInTheMiddleOfARequestLeaveTheToolWhole()
 {
     QFETCH(int, outer);
     QFETCH(int, inner);
@@ -104,7 +104,7 @@ void TestFaultReentry::eventsInTheMiddleOfARequestLeaveTheToolWhole()
     }
 }
 
-void TestFaultReentry::targetPickedInsideTheNewTargetWriteGoesOutWithTheNextTick()
+void FaultReentryTest::targetPickedInsideTheNewTargetWriteGoesOutWithTheNextTick()
 {
     for (int request = 0; request < 2; ++request) {
         FaultBench bench;
@@ -121,7 +121,7 @@ void TestFaultReentry::targetPickedInsideTheNewTargetWriteGoesOutWithTheNextTick
     }
 }
 
-void TestFaultReentry::stopInsideATargetWriteHasTheLastWord_data()
+void FaultReentryTest::stopInsideATargetWriteHasTheLastWord_data()
 {
     QTest::addColumn<bool>("starts");
     QTest::addColumn<int>("step");
@@ -133,7 +133,7 @@ void TestFaultReentry::stopInsideATargetWriteHasTheLastWord_data()
     QTest::newRow("Y of the new target") << false << 1;
 }
 
-void TestFaultReentry::stopInsideATargetWriteHasTheLastWord()
+void FaultReentryTest::stopInsideATargetWriteHasTheLastWord()
 {
     QFETCH(bool, starts);
     QFETCH(int, step);
@@ -152,7 +152,7 @@ void TestFaultReentry::stopInsideATargetWriteHasTheLastWord()
     QCOMPARE(QPoint(bench.chipValue("M0_XTARGET"), bench.chipValue("M1_XTARGET")), here.toPoint());
 }
 
-void TestFaultReentry::updateTickInsideAVelocityReadDrivesNoPointTwiceOrNever()
+void FaultReentryTest::updateTickInsideAVelocityReadDrivesNoPointTwiceOrNever()
 {
     FaultBench bench;
     enter(bench, Idle);
@@ -173,5 +173,5 @@ void TestFaultReentry::updateTickInsideAVelocityReadDrivesNoPointTwiceOrNever()
     QCOMPARE(bench.starts(), before + 1);
 }
 
-QTEST_MAIN(TestFaultReentry)
+QTEST_MAIN(FaultReentryTest)
 #include "tst_fault_reentry.moc"
