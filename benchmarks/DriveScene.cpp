@@ -1,7 +1,7 @@
 #include "DriveScene.h"
 
 #include "ShippedChip.h"
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include <QAbstractButton>
 #include <QSpinBox>

@@ -3,7 +3,7 @@
 #include "ChartPlot.h"
 #include "DriveScene.h"
 
-#include "ToolBench.h"
+#include "ToolRig.h"
 #include "ToolsInterface.h"
 
 #include <QAbstractButton>

@@ -1,6 +1,6 @@
 #include "FlightPoints.h"
 #include "FlightProgress.h"
-#include "ProgramBench.h"
+#include "ProgramRig.h"
 
 #include <QImage>
 
@@ -15,12 +15,11 @@ QString text(const char *latin1)
     return QString::fromLatin1(latin1);
 }
 
-ProgramBench::Ending runFile(const ProgramBench &bench, const char *name,
-                             const QStringList &more = {})
+ProgramRig::Ending runFile(const ProgramRig &rig, const char *name, const QStringList &more = {})
 {
-    return bench.run(QStringList{text("--unattended"), text("--clock"), text("simulated"),
-                                 text("--flight-path"), text(name)} +
-                     more);
+    return rig.run(QStringList{text("--unattended"), text("--clock"), text("simulated"),
+                               text("--flight-path"), text(name)} +
+                   more);
 }
 
 /// The points that the lines of a run name as reached, in order; the test fails on a line about a
@@ -47,7 +46,7 @@ QVector<QPoint> recordedPositions(const QString &fileName)
     if (!file.open(QIODevice::ReadOnly))
         return {};
     QVector<QPoint> positions;
-    const QStringList rows = ProgramBench::lines(file.readAll()).mid(1);
+    const QStringList rows = ProgramRig::lines(file.readAll()).mid(1);
     for (const QString &row : rows) {
         const QStringList cells = row.split(QLatin1Char(','));
         positions.append({cells.value(1).toInt(), cells.value(2).toInt()});
@@ -62,7 +61,7 @@ class AppFlightPathTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase() { QVERIFY(bench.isValid()); }
+    void initTestCase() { QVERIFY(rig.isValid()); }
 
     void fileIsRunPointByPoint();
     void builtInPathIsVisitedInItsOrder();
@@ -83,13 +82,13 @@ private slots:
     void pathsAreCheckedAgainstTheRange();
 
 private:
-    ProgramBench bench;
+    ProgramRig rig;
 };
 
 void AppFlightPathTest::fileIsRunPointByPoint()
 {
-    bench.write(text("path.csv"), "Hook\n# there and back\n120;0;120;-80\n120;-80\n0;0;9\n");
-    const auto ending = runFile(bench, "path.csv",
+    rig.write(text("path.csv"), "Hook\n# there and back\n120;0;120;-80\n120;-80\n0;0;9\n");
+    const auto ending = runFile(rig, "path.csv",
                                 {text("--picture"), text("p.png"), text("--record"), text("r.csv"),
                                  text("--link-cost"), text("200")});
     QVERIFY2(ending.exitCode == 0, qPrintable(ending.complaints.join(QLatin1Char('\n'))));
@@ -102,16 +101,16 @@ void AppFlightPathTest::fileIsRunPointByPoint()
                       "at most [01]\\.\\d units off the straight segments$"))),
              qPrintable(ending.output.at(4)));
     QVERIFY(ending.output.at(5).contains(text("picture in p.png")));
-    QVERIFY(QImage(bench.filePath(text("p.png"))).width() > 1000);
-    const QVector<QPoint> positions = recordedPositions(bench.filePath(text("r.csv")));
+    QVERIFY(QImage(rig.filePath(text("p.png"))).width() > 1000);
+    const QVector<QPoint> positions = recordedPositions(rig.filePath(text("r.csv")));
     QVERIFY(positions.size() > 50);
     QCOMPARE(positions.constLast(), QPoint(0, 0));
 }
 
 void AppFlightPathTest::builtInPathIsVisitedInItsOrder()
 {
-    const auto ending = bench.run({text("--unattended"), text("--clock"), text("simulated"),
-                                   text("--record"), text("built-in.csv")});
+    const auto ending = rig.run({text("--unattended"), text("--clock"), text("simulated"),
+                                 text("--record"), text("built-in.csv")});
     QVERIFY2(ending.exitCode == 0, qPrintable(ending.complaints.join(QLatin1Char('\n'))));
     const QStringList corners{text("0,0"),    text("0,1025"),    text("1025,1025"), text("0,0"),
                               text("1025,0"), text("1025,1025"), text("512,1800"),  text("0,1025"),
@@ -119,7 +118,7 @@ void AppFlightPathTest::builtInPathIsVisitedInItsOrder()
     QCOMPARE(reached(ending.output), corners);
 
     // The record knows nothing of points: it holds what the panel was told by the module.
-    QVector<QPoint> positions = recordedPositions(bench.filePath(text("built-in.csv")));
+    QVector<QPoint> positions = recordedPositions(rig.filePath(text("built-in.csv")));
     int next = corners.size() - 1;
     for (int i = positions.size() - 2; i >= 0 && next >= 0; --i) {
         const QPoint at = positions.at(i);
@@ -135,15 +134,15 @@ void AppFlightPathTest::samplePathsAreBesideTheChips()
     const QStringList names = folder.entryList({text("*.csv")}, QDir::Files, QDir::Name);
     QCOMPARE(names, (QStringList{text("circle.csv"), text("lissajous.csv"), text("spirograph.csv"),
                                  text("star.csv"), text("xy-outline.csv")}));
-    const auto ending = runFile(bench, qPrintable(folder.filePath(text("star.csv"))));
+    const auto ending = runFile(rig, qPrintable(folder.filePath(text("star.csv"))));
     QVERIFY2(ending.exitCode == 0, qPrintable(ending.complaints.join(QLatin1Char('\n'))));
     QCOMPARE(reached(ending.output).size(), 7);
 }
 
 void AppFlightPathTest::fractionsAreAnnouncedAndDropped()
 {
-    bench.write(text("fractions.csv"), "Fractions\n10.7;-3.9\n5;5\n0.99;6\n");
-    const auto ending = runFile(bench, "fractions.csv", {text("--clock"), text("real")});
+    rig.write(text("fractions.csv"), "Fractions\n10.7;-3.9\n5;5\n0.99;6\n");
+    const auto ending = runFile(rig, "fractions.csv", {text("--clock"), text("real")});
     QVERIFY2(ending.exitCode == 0, qPrintable(ending.complaints.join(QLatin1Char('\n'))));
     QCOMPARE(ending.output.constFirst(),
              text("fractions.csv: 2 of 3 points with fractions, which the panel drops: 10.7,-3.9 "
@@ -176,15 +175,15 @@ void AppFlightPathTest::unusableFilesExitWithTwo()
     QFETCH(QByteArray, bytes);
     QFETCH(QString, reason);
     if (!bytes.isNull())
-        bench.write(name, bytes);
-    const auto ending = runFile(bench, qPrintable(name), {text("--record"), text("none.csv")});
+        rig.write(name, bytes);
+    const auto ending = runFile(rig, qPrintable(name), {text("--record"), text("none.csv")});
     QCOMPARE(ending.exitCode, 2);
     QCOMPARE(ending.output, QStringList());
     QCOMPARE(ending.complaints.size(), 1);
     const QString complaint = ending.complaints.constFirst();
     QVERIFY2(complaint.startsWith(text("workbench: %1: ").arg(name)), qPrintable(complaint));
     QVERIFY2(complaint.contains(reason), qPrintable(complaint));
-    QVERIFY(!bench.files().contains(text("none.csv")));
+    QVERIFY(!rig.files().contains(text("none.csv")));
 }
 
 void AppFlightPathTest::pointThatIsNotReachedIsNamed()
@@ -195,29 +194,28 @@ void AppFlightPathTest::pointThatIsNotReachedIsNamed()
     QByteArray description = chip.readAll();
     const int at = description.indexOf("reset=\"", description.indexOf("name=\"M1_VMAX\"")) + 7;
     description.replace(at, description.indexOf('"', at) - at, "0");
-    bench.write(text("slow.xml"), description);
-    bench.write(text("level.csv"), "Level\n50;0\n80;40\n0;0\n");
+    rig.write(text("slow.xml"), description);
+    rig.write(text("level.csv"), "Level\n50;0\n80;40\n0;0\n");
     const auto ending = runFile(
-        bench, "level.csv", {text("--chip"), text("slow.xml"), text("--record"), text("n.csv")});
+        rig, "level.csv", {text("--chip"), text("slow.xml"), text("--record"), text("n.csv")});
     QCOMPARE(ending.exitCode, 1);
     QCOMPARE(reached(ending.output), QStringList{text("50,0")});
     QCOMPARE(ending.complaints.size(), 1);
     QVERIFY2(ending.complaints.constFirst().startsWith(
                  text("workbench: flight path: point 2 of 3: 80,40: not reached, ")),
              qPrintable(ending.complaints.constFirst()));
-    QVERIFY(!bench.files().contains(text("n.csv")));
+    QVERIFY(!rig.files().contains(text("n.csv")));
 }
 
 void AppFlightPathTest::interruptionNamesThePointOnTheWay()
 {
-    bench.write(text("long.csv"), "Long\n10;0\n100000;0\n");
-    const auto process =
-        bench.start({text("--unattended"), text("--flight-path"), text("long.csv")});
-    QVERIFY(process->waitForReadyRead(ProgramBench::runTimeoutMs));
-    QCOMPARE(reached(ProgramBench::lines(process->readAllStandardOutput())),
+    rig.write(text("long.csv"), "Long\n10;0\n100000;0\n");
+    const auto process = rig.start({text("--unattended"), text("--flight-path"), text("long.csv")});
+    QVERIFY(process->waitForReadyRead(ProgramRig::runTimeoutMs));
+    QCOMPARE(reached(ProgramRig::lines(process->readAllStandardOutput())),
              QStringList{text("10,0")});
     process->terminate();
-    QVERIFY(process->waitForFinished(ProgramBench::runTimeoutMs));
+    QVERIFY(process->waitForFinished(ProgramRig::runTimeoutMs));
     QCOMPARE(process->exitStatus(), QProcess::NormalExit);
     QCOMPARE(process->exitCode(), 1);
     QVERIFY(process->readAllStandardError().contains(

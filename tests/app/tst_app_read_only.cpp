@@ -1,4 +1,4 @@
-#include "ProgramBench.h"
+#include "ProgramRig.h"
 
 #include <unistd.h>
 
@@ -45,20 +45,20 @@ private slots:
 private:
     QString findStarter();
 
-    std::unique_ptr<ProgramBench> bench;
+    std::unique_ptr<ProgramRig> rig;
 };
 
 void AppReadOnlyTest::init()
 {
-    bench = std::make_unique<ProgramBench>();
-    QVERIFY(bench->isValid());
-    QVERIFY(QFile::setPermissions(bench->path(), QFile::Permissions(0x7755)));
-    QVERIFY(QDir(bench->path()).mkdir(text("locked")));
-    bench->write(text("locked/precious"), "precious");
-    bench->write(text("precious"), "precious");
+    rig = std::make_unique<ProgramRig>();
+    QVERIFY(rig->isValid());
+    QVERIFY(QFile::setPermissions(rig->path(), QFile::Permissions(0x7755)));
+    QVERIFY(QDir(rig->path()).mkdir(text("locked")));
+    rig->write(text("locked/precious"), "precious");
+    rig->write(text("precious"), "precious");
     const QFile::Permissions readable(0x4444);
-    QVERIFY(QFile::setPermissions(bench->filePath(text("precious")), readable));
-    QVERIFY(QFile::setPermissions(bench->filePath(text("locked")),
+    QVERIFY(QFile::setPermissions(rig->filePath(text("precious")), readable));
+    QVERIFY(QFile::setPermissions(rig->filePath(text("locked")),
                                   readable | QFile::Permissions(0x1111)));
     const QString fault = findStarter();
     if (!fault.isEmpty())
@@ -68,12 +68,12 @@ void AppReadOnlyTest::init()
 /// Returns why the program cannot be started without a privilege over permissions.
 QString AppReadOnlyTest::findStarter()
 {
-    const QString folder = bench->path();
+    const QString folder = rig->path();
     for (const QStringList &starter : starters()) {
         const bool runs =
             succeeds(starter + QStringList{text(WORKBENCH_PROGRAM), text("--version")}, folder);
         if (runs && !succeeds(starter + QStringList{text("touch"), text("locked/a")}, folder)) {
-            bench->starter = starter;
+            rig->starter = starter;
             return QString();
         }
     }
@@ -83,8 +83,8 @@ QString AppReadOnlyTest::findStarter()
 
 void AppReadOnlyTest::cleanup()
 {
-    QFile::setPermissions(bench->filePath(text("locked")), QFile::Permissions(0x7755));
-    bench.reset();
+    QFile::setPermissions(rig->filePath(text("locked")), QFile::Permissions(0x7755));
+    rig.reset();
 }
 
 void AppReadOnlyTest::readOnlyPlacesAreRefused_data()
@@ -117,12 +117,12 @@ void AppReadOnlyTest::readOnlyPlacesAreRefused()
     QStringList arguments{option, name};
     if (isUnattended)
         arguments << text("--unattended") << text("--target") << text("30,20");
-    const auto ending = bench->run(arguments);
+    const auto ending = rig->run(arguments);
     QCOMPARE(ending.exitCode, 1);
     QCOMPARE(ending.output, QStringList());
     QCOMPARE(ending.complaints, QStringList{text("workbench: %1: %2").arg(name, reason)});
     for (const char *folder : {".", "locked"}) {
-        const QDir dir(bench->filePath(text(folder)));
+        const QDir dir(rig->filePath(text(folder)));
         QCOMPARE(dir.entryList(QDir::Files | QDir::Hidden), QStringList{text("precious")});
         QFile precious(dir.filePath(text("precious")));
         QVERIFY(precious.open(QIODevice::ReadOnly));

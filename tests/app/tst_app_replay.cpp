@@ -1,5 +1,5 @@
 #include "PositionPacking.h"
-#include "ProgramBench.h"
+#include "ProgramRig.h"
 #include "TapeFile.h"
 
 #include <QImage>
@@ -45,7 +45,7 @@ QStringList way(const QString &fileName)
     if (!file.open(QIODevice::ReadOnly))
         return {};
     QStringList positions;
-    const QStringList rows = ProgramBench::lines(file.readAll()).mid(1);
+    const QStringList rows = ProgramRig::lines(file.readAll()).mid(1);
     for (const QString &row : rows) {
         const QString position = row.section(QLatin1Char(','), 1);
         if (positions.isEmpty() || positions.constLast() != position)
@@ -87,19 +87,19 @@ private slots:
     void interruptedReplayEndsAtOnce();
 
 private:
-    ProgramBench::Ending run(const QStringList &options, const char *more) const
+    ProgramRig::Ending run(const QStringList &options, const char *more) const
     {
-        return bench->run(words("--unattended --clock simulated") + options + words(more));
+        return rig->run(words("--unattended --clock simulated") + options + words(more));
     }
 
-    std::unique_ptr<ProgramBench> bench;
+    std::unique_ptr<ProgramRig> rig;
 };
 
 void AppReplayTest::init()
 {
-    bench = std::make_unique<ProgramBench>();
-    QVERIFY(bench->isValid());
-    bench->write(text("path.csv"), "Path\n120;0;120;-80\n120;-80\n0;0\n");
+    rig = std::make_unique<ProgramRig>();
+    QVERIFY(rig->isValid());
+    rig->write(text("path.csv"), "Path\n120;0;120;-80\n120;-80\n0;0\n");
 }
 
 void AppReplayTest::runIsRepeatedFromItsTape_data()
@@ -132,14 +132,14 @@ void AppReplayTest::runIsRepeatedFromItsTape()
     QCOMPARE(places(again.output), places(first.output));
 
     // Whatever was sampled this time was told then, and both end in the same place.
-    const QSet<QString> told = positionsOn(bench->filePath(text("a.tape")));
-    const QStringList repeated = way(bench->filePath(text("again.csv")));
+    const QSet<QString> told = positionsOn(rig->filePath(text("a.tape")));
+    const QStringList repeated = way(rig->filePath(text("again.csv")));
     QVERIFY(repeated.size() > 20);
     for (const QString &position : repeated)
         QVERIFY2(told.contains(position), qPrintable(position));
-    QCOMPARE(repeated.constLast(), way(bench->filePath(text("first.csv"))).constLast());
-    QVERIFY(QImage(bench->filePath(text("again.png"))).width() > 1000);
-    QVERIFY(readTapeFile(bench->filePath(text("again.tape"))).has_value());
+    QCOMPARE(repeated.constLast(), way(rig->filePath(text("first.csv"))).constLast());
+    QVERIFY(QImage(rig->filePath(text("again.png"))).width() > 1000);
+    QVERIFY(readTapeFile(rig->filePath(text("again.tape"))).has_value());
 }
 
 void AppReplayTest::replayComesThroughFaultsInFrontOfTheTape()
@@ -180,21 +180,21 @@ void AppReplayTest::runThatIsNotOnTheTapeFails()
     const auto ending = run(options, "--replay a.tape --record r.csv");
     QCOMPARE(ending.exitCode, 1);
     QCOMPARE(ending.complaints, QStringList{text("workbench: ") + complaint});
-    QCOMPARE(bench->files(), (QStringList{text("a.tape"), text("path.csv")}));
+    QCOMPARE(rig->files(), (QStringList{text("a.tape"), text("path.csv")}));
 }
 
 void AppReplayTest::tapeThatBreaksOffIsNoticed()
 {
     const QStringList targets = words("--target 40,20 --target 600,400");
     QCOMPARE(run(targets, "--tape a.tape").exitCode, 0);
-    auto tape = readTapeFile(bench->filePath(text("a.tape")));
+    auto tape = readTapeFile(rig->filePath(text("a.tape")));
     QVERIFY(tape.has_value());
     int end = tape->entries.size();
     while (tape->entries.at(end - 1).kind != TapeEntry::Write)
         --end;
     // Behind the last write the axes are on their way.
     tape->entries.resize(end + 50);
-    bench->write(text("a.tape"), written(*tape));
+    rig->write(text("a.tape"), written(*tape));
     const auto ending = run(targets, "--replay a.tape");
     QCOMPARE(ending.exitCode, 1);
     QCOMPARE(ending.complaints, QStringList{text("workbench: move 2: the tape is at its end")});
@@ -204,14 +204,14 @@ void AppReplayTest::tapeThatWaitsInVainIsNoticed()
 {
     const QStringList target = words("--target 300,200");
     QCOMPARE(run(target, "--tape a.tape").exitCode, 0);
-    auto tape = readTapeFile(bench->filePath(text("a.tape")));
+    auto tape = readTapeFile(rig->filePath(text("a.tape")));
     QVERIFY(tape.has_value());
     // A write of somebody else's, before the axes have come to rest.
     const int place = tape->entries.size() - 200;
     TapeEntry entry = tape->entries.at(place);
     entry.kind = TapeEntry::Write;
     tape->entries.insert(place, entry);
-    bench->write(text("a.tape"), written(*tape));
+    rig->write(text("a.tape"), written(*tape));
     const auto ending = run(target, "--replay a.tape");
     QCOMPARE(ending.exitCode, 1);
     QCOMPARE(ending.complaints,
@@ -223,10 +223,10 @@ void AppReplayTest::interruptedReplayEndsAtOnce()
 {
     const QStringList targets = words("--target 30,20 --target 3000,2000");
     QCOMPARE(run(targets, "--tape a.tape").exitCode, 0);
-    const auto process = bench->start(words("--unattended") + targets + words("--replay a.tape"));
-    QVERIFY(process->waitForReadyRead(ProgramBench::runTimeoutMs));
+    const auto process = rig->start(words("--unattended") + targets + words("--replay a.tape"));
+    QVERIFY(process->waitForReadyRead(ProgramRig::runTimeoutMs));
     process->terminate();
-    QVERIFY(process->waitForFinished(ProgramBench::runTimeoutMs));
+    QVERIFY(process->waitForFinished(ProgramRig::runTimeoutMs));
     QCOMPARE(process->exitStatus(), QProcess::NormalExit);
     QCOMPARE(process->exitCode(), 1);
     QVERIFY(process->readAllStandardError().contains("workbench: move 2: interrupted\n"));

@@ -1,4 +1,4 @@
-#include "ProgramBench.h"
+#include "ProgramRig.h"
 #include "ReportComparison.h"
 
 #include <QJsonArray>
@@ -47,24 +47,24 @@ private slots:
     void unusableBaselinesExitWithTwo();
 
 private:
-    ProgramBench::Ending run(const QString &options) const
+    ProgramRig::Ending run(const QString &options) const
     {
-        return bench->run(words(text("--unattended --clock simulated ") + options));
+        return rig->run(words(text("--unattended --clock simulated ") + options));
     }
     QJsonArray moves(const char *name) const
     {
         QString problem;
-        const auto report = readReport(bench->filePath(text(name)), &problem);
+        const auto report = readReport(rig->filePath(text(name)), &problem);
         return report.value_or(QJsonObject()).value(text("moves")).toArray();
     }
 
-    std::unique_ptr<ProgramBench> bench;
+    std::unique_ptr<ProgramRig> rig;
 };
 
 void AppReportTest::init()
 {
-    bench = std::make_unique<ProgramBench>();
-    QVERIFY(bench->isValid());
+    rig = std::make_unique<ProgramRig>();
+    QVERIFY(rig->isValid());
 }
 
 void AppReportTest::differencesAreFound_data()
@@ -134,7 +134,7 @@ void AppReportTest::movesAreReported()
 
 void AppReportTest::flightPathIsReported()
 {
-    bench->write(text("path.csv"), "Path\n50;0\n50;20\n");
+    rig->write(text("path.csv"), "Path\n50;0\n50;20\n");
     QCOMPARE(run(text("--flight-path path.csv --report r.json")).exitCode, 0);
     const QJsonArray all = moves("r.json");
     QCOMPARE(all.size(), 1);
@@ -158,8 +158,8 @@ void AppReportTest::sameRunHasNoDifference()
     const auto again = run(text("--random 20 --report b.json --baseline a.json"));
     QCOMPARE(again.exitCode, 0);
     QCOMPARE(again.output.constLast(), text("all moves as planned"));
-    QFile one(bench->filePath(text("a.json")));
-    QFile other(bench->filePath(text("b.json")));
+    QFile one(rig->filePath(text("a.json")));
+    QFile other(rig->filePath(text("b.json")));
     QVERIFY(one.open(QIODevice::ReadOnly) && other.open(QIODevice::ReadOnly));
     QVERIFY(one.readAll() == other.readAll());
 }
@@ -193,13 +193,13 @@ void AppReportTest::unusableBaselinesExitWithTwo()
 {
     QFETCH(QString, name);
     QFETCH(QString, reason);
-    bench->write(text("other.json"), "{\"moves\": []}");
-    bench->write(text("later.json"), "{\"schema\": \"workbench-report\", \"schema_version\": 2}");
+    rig->write(text("other.json"), "{\"moves\": []}");
+    rig->write(text("later.json"), "{\"schema\": \"workbench-report\", \"schema_version\": 2}");
     const auto ending = run(text("--target 30,20 --record r.csv --baseline ") + name);
     QCOMPARE(ending.exitCode, 2);
     QCOMPARE(ending.output, QStringList());
     QCOMPARE(ending.complaints, QStringList{text("workbench: %1: %2").arg(name, reason)});
-    QVERIFY(!bench->files().contains(text("r.csv")));
+    QVERIFY(!rig->files().contains(text("r.csv")));
 }
 
 QTEST_GUILESS_MAIN(AppReportTest)

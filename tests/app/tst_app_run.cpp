@@ -1,4 +1,4 @@
-#include "ProgramBench.h"
+#include "ProgramRig.h"
 
 #include <QFile>
 #include <QImage>
@@ -58,21 +58,21 @@ private slots:
     void printsItsVersion();
 
 private:
-    std::unique_ptr<ProgramBench> bench;
+    std::unique_ptr<ProgramRig> rig;
 };
 
 void AppRunTest::init()
 {
-    bench = std::make_unique<ProgramBench>();
-    QVERIFY(bench->isValid());
+    rig = std::make_unique<ProgramRig>();
+    QVERIFY(rig->isValid());
 }
 
 void AppRunTest::carriesTheBuiltInRunOutAndLeavesPictureAndRecord()
 {
-    const ProgramBench::Ending ending =
-        bench->run({QStringLiteral("--unattended"), QStringLiteral("--clock"),
-                    QStringLiteral("simulated"), QStringLiteral("--picture"),
-                    QStringLiteral("p.png"), QStringLiteral("--record"), QStringLiteral("r.csv")});
+    const ProgramRig::Ending ending =
+        rig->run({QStringLiteral("--unattended"), QStringLiteral("--clock"),
+                  QStringLiteral("simulated"), QStringLiteral("--picture"), QStringLiteral("p.png"),
+                  QStringLiteral("--record"), QStringLiteral("r.csv")});
     QVERIFY2(ending.exitCode == 0, qPrintable(ending.complaints.join(QLatin1Char('\n'))));
     QCOMPARE(ending.complaints, QStringList());
     QCOMPARE(ending.output.size(), 18);
@@ -87,13 +87,13 @@ void AppRunTest::carriesTheBuiltInRunOutAndLeavesPictureAndRecord()
     QVERIFY(ending.output.at(4).startsWith(QLatin1String("point 1 of 12: 0,0: reached after ")));
     QVERIFY(ending.output.at(16).startsWith(QLatin1String("flight path: 12 of 12 points reached")));
 
-    QCOMPARE(bench->files(), (QStringList{QStringLiteral("p.png"), QStringLiteral("r.csv")}));
-    const QImage picture(bench->filePath(QStringLiteral("p.png")));
+    QCOMPARE(rig->files(), (QStringList{QStringLiteral("p.png"), QStringLiteral("r.csv")}));
+    const QImage picture(rig->filePath(QStringLiteral("p.png")));
     QVERIFY(picture.width() >= 1600 && picture.height() >= 800);
 
-    QFile record(bench->filePath(QStringLiteral("r.csv")));
+    QFile record(rig->filePath(QStringLiteral("r.csv")));
     QVERIFY(record.open(QIODevice::ReadOnly));
-    const QStringList rows = ProgramBench::lines(record.readAll());
+    const QStringList rows = ProgramRig::lines(record.readAll());
     QCOMPARE(rows.at(0), QStringLiteral("time (s),axis 0 (units),axis 1 (units)"));
     // The axes may be on their way by the time of the first sample.
     const QStringList start = rows.at(1).split(QLatin1Char(','));
@@ -114,10 +114,10 @@ void AppRunTest::carriesTheBuiltInRunOutAndLeavesPictureAndRecord()
 
 void AppRunTest::drivesToGivenTargetsExactly()
 {
-    const ProgramBench::Ending ending = bench->run(
-        {QStringLiteral("--unattended"), QStringLiteral("--target"), QStringLiteral("700,-311"),
-         QStringLiteral("--target"), QStringLiteral("-1,259"), QStringLiteral("--link-cost"),
-         QStringLiteral("100")});
+    const ProgramRig::Ending ending =
+        rig->run({QStringLiteral("--unattended"), QStringLiteral("--target"),
+                  QStringLiteral("700,-311"), QStringLiteral("--target"), QStringLiteral("-1,259"),
+                  QStringLiteral("--link-cost"), QStringLiteral("100")});
     QVERIFY2(ending.exitCode == 0, qPrintable(ending.complaints.join(QLatin1Char('\n'))));
     QCOMPARE(ending.output.size(), 3);
     QCOMPARE(plainMove(ending.output.at(0)).end, QPoint(700, -311));
@@ -127,40 +127,40 @@ void AppRunTest::drivesToGivenTargetsExactly()
 
 void AppRunTest::failsWithoutThePlugIn()
 {
-    const ProgramBench::Ending ending =
-        bench->run({QStringLiteral("--unattended"), QStringLiteral("--plugins"), bench->path()});
+    const ProgramRig::Ending ending =
+        rig->run({QStringLiteral("--unattended"), QStringLiteral("--plugins"), rig->path()});
     QCOMPARE(ending.exitCode, 1);
     QCOMPARE(ending.output, QStringList());
-    QCOMPARE(ending.complaints,
-             QStringList{QStringLiteral("workbench: no Synchronized drive plug-in in ") +
-                         bench->path()});
+    QCOMPARE(
+        ending.complaints,
+        QStringList{QStringLiteral("workbench: no Synchronized drive plug-in in ") + rig->path()});
 }
 
 void AppRunTest::failsBeforeTheRunWhenAFileCannotBeWritten()
 {
-    const ProgramBench::Ending ending = bench->run(
+    const ProgramRig::Ending ending = rig->run(
         {QStringLiteral("--unattended"), QStringLiteral("--picture"), QStringLiteral("p.png"),
          QStringLiteral("--record"), QStringLiteral("nowhere/r.csv")});
     QCOMPARE(ending.exitCode, 1);
     QCOMPARE(ending.output, QStringList());
     QCOMPARE(ending.complaints,
              QStringList{QStringLiteral("workbench: nowhere/r.csv: its folder does not exist")});
-    QCOMPARE(bench->files(), QStringList());
+    QCOMPARE(rig->files(), QStringList());
 }
 
 void AppRunTest::interruptedRunLeavesNoRecord()
 {
-    const auto process = bench->start(
+    const auto process = rig->start(
         {QStringLiteral("--unattended"), QStringLiteral("--record"), QStringLiteral("r.csv")});
     // The second move is under way, or about to be, when the first is reported.
-    QVERIFY(process->waitForReadyRead(ProgramBench::runTimeoutMs));
+    QVERIFY(process->waitForReadyRead(ProgramRig::runTimeoutMs));
     QVERIFY(process->readAllStandardOutput().startsWith("move 1: "));
     process->terminate();
-    QVERIFY(process->waitForFinished(ProgramBench::runTimeoutMs));
+    QVERIFY(process->waitForFinished(ProgramRig::runTimeoutMs));
     QCOMPARE(process->exitStatus(), QProcess::NormalExit);
     QCOMPARE(process->exitCode(), 1);
     QVERIFY(process->readAllStandardError().contains("workbench: move 2: interrupted\n"));
-    QCOMPARE(bench->files(), QStringList());
+    QCOMPARE(rig->files(), QStringList());
 }
 
 void AppRunTest::wrongOptionsExitWithTwo_data()
@@ -176,7 +176,7 @@ void AppRunTest::wrongOptionsExitWithTwo_data()
 void AppRunTest::wrongOptionsExitWithTwo()
 {
     QFETCH(QStringList, arguments);
-    const ProgramBench::Ending ending = bench->run(arguments);
+    const ProgramRig::Ending ending = rig->run(arguments);
     QCOMPARE(ending.exitCode, 2);
     QCOMPARE(ending.output, QStringList());
     QCOMPARE(ending.complaints.size(), 1);
@@ -184,12 +184,12 @@ void AppRunTest::wrongOptionsExitWithTwo()
 
 void AppRunTest::brokenChipDescriptionExitsWithTwo()
 {
-    QFile file(bench->filePath(QStringLiteral("broken.xml")));
+    QFile file(rig->filePath(QStringLiteral("broken.xml")));
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write("<chip name=\"Broken\">\n\n  <register name=\"ALONE\"/>\n</chip>\n");
     file.close();
-    const ProgramBench::Ending ending =
-        bench->run({QStringLiteral("--chip"), QStringLiteral("broken.xml")});
+    const ProgramRig::Ending ending =
+        rig->run({QStringLiteral("--chip"), QStringLiteral("broken.xml")});
     QCOMPARE(ending.exitCode, 2);
     QCOMPARE(ending.complaints.size(), 1);
     QVERIFY2(ending.complaints.constFirst().startsWith(QLatin1String("broken.xml:3: ")),
@@ -198,8 +198,8 @@ void AppRunTest::brokenChipDescriptionExitsWithTwo()
 
 void AppRunTest::missingChipDescriptionExitsWithTwo()
 {
-    const ProgramBench::Ending ending =
-        bench->run({QStringLiteral("--chip"), QStringLiteral("none.xml")});
+    const ProgramRig::Ending ending =
+        rig->run({QStringLiteral("--chip"), QStringLiteral("none.xml")});
     QCOMPARE(ending.exitCode, 2);
     QCOMPARE(ending.complaints.size(), 1);
     QVERIFY(ending.complaints.constFirst().startsWith(QLatin1String("workbench: none.xml: ")));
@@ -207,7 +207,7 @@ void AppRunTest::missingChipDescriptionExitsWithTwo()
 
 void AppRunTest::printsItsVersion()
 {
-    const ProgramBench::Ending ending = bench->run({QStringLiteral("--version")});
+    const ProgramRig::Ending ending = rig->run({QStringLiteral("--version")});
     QCOMPARE(ending.exitCode, 0);
     QCOMPARE(ending.output, QStringList{QStringLiteral("workbench 4.6.0")});
 }

@@ -1,4 +1,4 @@
-#include "ProgramBench.h"
+#include "ProgramRig.h"
 
 namespace {
 
@@ -61,19 +61,19 @@ private slots:
 
 private:
     /// The program on simulated time.
-    ProgramBench::Ending run(const QString &options) const
+    ProgramRig::Ending run(const QString &options) const
     {
-        return bench->run(words(text("--unattended --clock simulated ") + options));
+        return rig->run(words(text("--unattended --clock simulated ") + options));
     }
 
-    std::unique_ptr<ProgramBench> bench;
+    std::unique_ptr<ProgramRig> rig;
 };
 
 void AppSimulatedTimeTest::init()
 {
-    bench = std::make_unique<ProgramBench>();
-    QVERIFY(bench->isValid());
-    bench->write(text("path.csv"), "Path\n120;0;120;-80\n120;-80\n0;0\n");
+    rig = std::make_unique<ProgramRig>();
+    QVERIFY(rig->isValid());
+    rig->write(text("path.csv"), "Path\n120;0;120;-80\n120;-80\n0;0\n");
 }
 
 void AppSimulatedTimeTest::sameOptionsGiveTheSameBytes_data()
@@ -99,18 +99,18 @@ void AppSimulatedTimeTest::sameOptionsGiveTheSameBytes()
     const auto first = run(all);
     QCOMPARE(first.exitCode, exitCode);
 
-    const auto before = std::move(bench);
+    const auto before = std::move(rig);
     init();
-    bench->starter = words(text("nice -n 19 env TZ=Asia/Tokyo LC_ALL=C QT_HASH_SEED=5"));
+    rig->starter = words(text("nice -n 19 env TZ=Asia/Tokyo LC_ALL=C QT_HASH_SEED=5"));
     const auto second = run(all);
     QCOMPARE(second.exitCode, exitCode);
     QCOMPARE(second.output, first.output);
     QCOMPARE(second.complaints, first.complaints);
-    QCOMPARE(bench->files(), before->files());
-    QVERIFY(bench->files().contains(text("t.tape")));
-    const QStringList files = bench->files();
+    QCOMPARE(rig->files(), before->files());
+    QVERIFY(rig->files().contains(text("t.tape")));
+    const QStringList files = rig->files();
     for (const QString &name : files) {
-        const QByteArray bytes = contents(bench->filePath(name));
+        const QByteArray bytes = contents(rig->filePath(name));
         QVERIFY2(!bytes.isEmpty() && bytes == contents(before->filePath(name)), qPrintable(name));
     }
 }
@@ -120,7 +120,7 @@ void AppSimulatedTimeTest::otherSeedGivesAnotherRun()
     const QString options = text("--target 300,200 --fault lose:0.05 --tape %1.tape --seed %1");
     QCOMPARE(run(options.arg(1)).exitCode, 0);
     QCOMPARE(run(options.arg(2)).exitCode, 0);
-    QVERIFY(contents(bench->filePath(text("1.tape"))) != contents(bench->filePath(text("2.tape"))));
+    QVERIFY(contents(rig->filePath(text("1.tape"))) != contents(rig->filePath(text("2.tape"))));
 }
 
 void AppSimulatedTimeTest::tapeGivesTheSameRecordAndPictureAgain()
@@ -130,16 +130,16 @@ void AppSimulatedTimeTest::tapeGivesTheSameRecordAndPictureAgain()
     const auto again = run(text("--replay 1.tape --tape 2.tape --record 2.csv --picture 2.png"));
     QVERIFY2(again.exitCode == 0, qPrintable(again.complaints.join(QLatin1Char('\n'))));
     for (const char *suffix : {"tape", "csv", "png"}) {
-        const QByteArray bytes = contents(bench->filePath(text("1.%1").arg(text(suffix))));
+        const QByteArray bytes = contents(rig->filePath(text("1.%1").arg(text(suffix))));
         QVERIFY2(bytes.size() > 1000, suffix);
-        QVERIFY2(contents(bench->filePath(text("2.%1").arg(text(suffix)))) == bytes, suffix);
+        QVERIFY2(contents(rig->filePath(text("2.%1").arg(text(suffix)))) == bytes, suffix);
     }
 }
 
 void AppSimulatedTimeTest::linkWithoutACostTakesAMicrosecond()
 {
     QCOMPARE(run(text("--target 3,2 --link-cost 0 --tape a.tape")).exitCode, 0);
-    const QByteArray tape = contents(bench->filePath(text("a.tape")));
+    const QByteArray tape = contents(rig->filePath(text("a.tape")));
     QVERIFY(tape.contains(" 0.000001000 write 0x12 m0 3 = ok\n"));
 }
 
@@ -176,11 +176,11 @@ void AppSimulatedTimeTest::pathHasNoPointBehindItsLast()
 
 void AppSimulatedTimeTest::signalEndsARun()
 {
-    const auto process = bench->start(
-        words(text("--unattended --clock simulated --target 30,20 --target 8000000,0")));
-    QVERIFY(process->waitForReadyRead(ProgramBench::runTimeoutMs));
+    const auto process =
+        rig->start(words(text("--unattended --clock simulated --target 30,20 --target 8000000,0")));
+    QVERIFY(process->waitForReadyRead(ProgramRig::runTimeoutMs));
     process->terminate();
-    QVERIFY(process->waitForFinished(ProgramBench::runTimeoutMs));
+    QVERIFY(process->waitForFinished(ProgramRig::runTimeoutMs));
     QCOMPARE(process->exitStatus(), QProcess::NormalExit);
     QCOMPARE(process->exitCode(), 1);
     QVERIFY(process->readAllStandardError().contains("workbench: move 2: interrupted\n"));
@@ -207,7 +207,7 @@ void AppSimulatedTimeTest::realTimeTakesAsLong()
     const Figures found = figures(simulated.output);
     bool isAsLong = false;
     for (int i = 0; i < tries && !isAsLong; ++i) {
-        const auto real = bench->run(words(text("--unattended ") + options));
+        const auto real = rig->run(words(text("--unattended ") + options));
         QCOMPARE(real.exitCode, 0);
         const Figures expected = figures(real.output);
         QVERIFY(qAbs(found.deviation - expected.deviation) <= 1);

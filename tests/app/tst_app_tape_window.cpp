@@ -1,4 +1,4 @@
-#include "AppWindowBench.h"
+#include "AppWindowRig.h"
 #include "HeadlessPlatform.h"
 #include "PathMeasure.h"
 #include "PositionPacking.h"

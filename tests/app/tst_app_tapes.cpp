@@ -1,4 +1,4 @@
-#include "ProgramBench.h"
+#include "ProgramRig.h"
 #include "TapeFile.h"
 #include "TapeRecorder.h"
 
@@ -21,7 +21,7 @@ QByteArray contents(const QString &fileName)
 /// What the program writes to the standard error output by itself or in the test's name.
 QStringList errorLines(QProcess &process)
 {
-    return ProgramBench::lines(process.readAllStandardError())
+    return ProgramRig::lines(process.readAllStandardError())
         .filter(QRegularExpression(QStringLiteral("^(workbench: |[^ ]+\\.tape:\\d+: )")));
 }
 
@@ -69,20 +69,20 @@ private:
                more;
     }
 
-    std::unique_ptr<ProgramBench> bench;
+    std::unique_ptr<ProgramRig> rig;
     SteppedClock clock;
     RecordingLink device;
 };
 
 void AppTapesTest::init()
 {
-    bench = std::make_unique<ProgramBench>();
-    QVERIFY(bench->isValid());
+    rig = std::make_unique<ProgramRig>();
+    QVERIFY(rig->isValid());
 }
 
 void AppTapesTest::tapeIsInTheFileOnceFinished()
 {
-    const QString name = bench->filePath(QStringLiteral("a.tape"));
+    const QString name = rig->filePath(QStringLiteral("a.tape"));
     TapeRecorder recorder(device, clock);
     TapeFile file(recorder);
     QCOMPARE(file.begin(name), QString());
@@ -98,24 +98,24 @@ void AppTapesTest::tapeIsInTheFileOnceFinished()
 
 void AppTapesTest::abandonedTapeLeavesAnExistingFileAlone()
 {
-    bench->write(QStringLiteral("a.tape"), "precious");
+    rig->write(QStringLiteral("a.tape"), "precious");
     TapeRecorder recorder(device, clock);
     {
         TapeFile file(recorder);
-        QCOMPARE(file.begin(bench->filePath(QStringLiteral("a.tape"))), QString());
+        QCOMPARE(file.begin(rig->filePath(QStringLiteral("a.tape"))), QString());
         recorder.writeRegister(1, 0, 2);
     }
     recorder.writeRegister(1, 0, 2);
-    QCOMPARE(contents(bench->filePath(QStringLiteral("a.tape"))), QByteArray("precious"));
-    QCOMPARE(bench->files(), QStringList{QStringLiteral("a.tape")});
+    QCOMPARE(contents(rig->filePath(QStringLiteral("a.tape"))), QByteArray("precious"));
+    QCOMPARE(rig->files(), QStringList{QStringLiteral("a.tape")});
 }
 
 void AppTapesTest::tapeOnAFullDiskIsRefused()
 {
-    bench->write(QStringLiteral("a.tape"), "precious");
+    rig->write(QStringLiteral("a.tape"), "precious");
     TapeRecorder recorder(device, clock);
     TapeFile file(recorder);
-    QCOMPARE(file.begin(bench->filePath(QStringLiteral("a.tape"))), QString());
+    QCOMPARE(file.begin(rig->filePath(QStringLiteral("a.tape"))), QString());
     recorder.writeRegister(1, 0, 2);
     // Like a full disk: no file of this process may grow beyond a few bytes.
     std::signal(SIGXFSZ, SIG_IGN);
@@ -127,9 +127,9 @@ void AppTapesTest::tapeOnAFullDiskIsRefused()
     const QString fault = file.finish();
     QCOMPARE(setrlimit(RLIMIT_FSIZE, &before), 0);
     std::signal(SIGXFSZ, SIG_DFL);
-    QVERIFY(fault.startsWith(bench->filePath(QStringLiteral("a.tape: "))));
-    QCOMPARE(contents(bench->filePath(QStringLiteral("a.tape"))), QByteArray("precious"));
-    QCOMPARE(bench->files(), QStringList{QStringLiteral("a.tape")});
+    QVERIFY(fault.startsWith(rig->filePath(QStringLiteral("a.tape: "))));
+    QCOMPARE(contents(rig->filePath(QStringLiteral("a.tape"))), QByteArray("precious"));
+    QCOMPARE(rig->files(), QStringList{QStringLiteral("a.tape")});
 }
 
 void AppTapesTest::fullTapeIsWarnedOfOnceAndKept()
@@ -140,7 +140,7 @@ void AppTapesTest::fullTapeIsWarnedOfOnceAndKept()
         qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &) {
             warnings += type == QtWarningMsg;
         });
-    const QString name = bench->filePath(QStringLiteral("a.tape"));
+    const QString name = rig->filePath(QStringLiteral("a.tape"));
     constexpr qint64 limit = 2048;
     TapeRecorder recorder(device, clock);
     TapeFile file(recorder);
@@ -177,11 +177,10 @@ void AppTapesTest::withoutANameNothingIsRecorded()
 
 void AppTapesTest::runIsRecorded()
 {
-    const auto ending =
-        bench->run(unattended({QStringLiteral("--tape"), QStringLiteral("a.tape")}));
+    const auto ending = rig->run(unattended({QStringLiteral("--tape"), QStringLiteral("a.tape")}));
     QCOMPARE(ending.complaints, QStringList());
     QCOMPARE(ending.exitCode, 0);
-    const auto tape = readTapeFile(bench->filePath(QStringLiteral("a.tape")));
+    const auto tape = readTapeFile(rig->filePath(QStringLiteral("a.tape")));
     QVERIFY(tape.has_value());
     QStringList writes;
     for (const TapeEntry &entry : tape->entries) {
@@ -193,16 +192,16 @@ void AppTapesTest::runIsRecorded()
              QStringLiteral("0x13 m0 0, 0x23 m0 0, 0x01 m0 0, 0x22 m0 200, 0x01 m0 768, "
                             "0x12 m0 300, 0x22 m0 200, 0x13 m0 2000, 0x23 m0 2000, "
                             "0x12 m0 300, 0x22 m0 200"));
-    QCOMPARE(bench->files(), QStringList{QStringLiteral("a.tape")});
+    QCOMPARE(rig->files(), QStringList{QStringLiteral("a.tape")});
 }
 
 void AppTapesTest::runThatFailsIsRecordedToo()
 {
     const auto ending =
-        bench->run(unattended({QStringLiteral("--fault"), QStringLiteral("fail-writes"),
-                               QStringLiteral("--tape"), QStringLiteral("a.tape")}));
+        rig->run(unattended({QStringLiteral("--fault"), QStringLiteral("fail-writes"),
+                             QStringLiteral("--tape"), QStringLiteral("a.tape")}));
     QCOMPARE(ending.exitCode, 1);
-    const auto tape = readTapeFile(bench->filePath(QStringLiteral("a.tape")));
+    const auto tape = readTapeFile(rig->filePath(QStringLiteral("a.tape")));
     QVERIFY(tape.has_value());
     QVERIFY(!tape->entries.isEmpty());
     for (const TapeEntry &entry : tape->entries)
@@ -211,18 +210,18 @@ void AppTapesTest::runThatFailsIsRecordedToo()
 
 void AppTapesTest::interruptedRunIsRecordedToo()
 {
-    const auto process = bench->start(unattended(
+    const auto process = rig->start(unattended(
         {QStringLiteral("--target"), QStringLiteral("8000000,0"), QStringLiteral("--tape"),
          QStringLiteral("a.tape"), QStringLiteral("--clock"), QStringLiteral("real")}));
-    QVERIFY(process->waitForReadyRead(ProgramBench::runTimeoutMs));
+    QVERIFY(process->waitForReadyRead(ProgramRig::runTimeoutMs));
     QVERIFY(process->readAllStandardOutput().startsWith("move 1: "));
     process->terminate();
-    QVERIFY(process->waitForFinished(ProgramBench::runTimeoutMs));
+    QVERIFY(process->waitForFinished(ProgramRig::runTimeoutMs));
     QCOMPARE(process->exitStatus(), QProcess::NormalExit);
     QCOMPARE(process->exitCode(), 1);
     QCOMPARE(errorLines(*process), QStringList{QStringLiteral("workbench: move 2: interrupted")});
-    QCOMPARE(bench->files(), QStringList{QStringLiteral("a.tape")});
-    const auto tape = readTapeFile(bench->filePath(QStringLiteral("a.tape")));
+    QCOMPARE(rig->files(), QStringList{QStringLiteral("a.tape")});
+    const auto tape = readTapeFile(rig->filePath(QStringLiteral("a.tape")));
     QVERIFY(tape.has_value());
     QVERIFY(tape->entries.size() > 100);
 }
@@ -230,17 +229,16 @@ void AppTapesTest::interruptedRunIsRecordedToo()
 void AppTapesTest::interruptedWindowIsRecordedToo()
 {
     for (const int number : {SIGINT, SIGTERM}) {
-        const auto process =
-            bench->start({QStringLiteral("--tape"), QStringLiteral("window.tape")});
-        QTRY_VERIFY_WITH_TIMEOUT(catches(*process, number), ProgramBench::runTimeoutMs);
+        const auto process = rig->start({QStringLiteral("--tape"), QStringLiteral("window.tape")});
+        QTRY_VERIFY_WITH_TIMEOUT(catches(*process, number), ProgramRig::runTimeoutMs);
         QCOMPARE(::kill(static_cast<pid_t>(process->processId()), number), 0);
-        QVERIFY(process->waitForFinished(ProgramBench::runTimeoutMs));
+        QVERIFY(process->waitForFinished(ProgramRig::runTimeoutMs));
         QCOMPARE(process->exitStatus(), QProcess::NormalExit);
         QCOMPARE(process->exitCode(), 0);
         QCOMPARE(errorLines(*process), QStringList());
-        QCOMPARE(bench->files(), QStringList{QStringLiteral("window.tape")});
-        QVERIFY(readTapeFile(bench->filePath(QStringLiteral("window.tape"))).has_value());
-        QVERIFY(QFile::remove(bench->filePath(QStringLiteral("window.tape"))));
+        QCOMPARE(rig->files(), QStringList{QStringLiteral("window.tape")});
+        QVERIFY(readTapeFile(rig->filePath(QStringLiteral("window.tape"))).has_value());
+        QVERIFY(QFile::remove(rig->filePath(QStringLiteral("window.tape"))));
     }
 }
 
@@ -260,13 +258,13 @@ void AppTapesTest::tapeThatCannotBeWrittenIsRefused()
 {
     QFETCH(QString, name);
     QFETCH(QString, reason);
-    QVERIFY(QDir(bench->path()).mkdir(QStringLiteral("folder")));
+    QVERIFY(QDir(rig->path()).mkdir(QStringLiteral("folder")));
     for (const QStringList &mode : {unattended({}), QStringList()}) {
-        const auto ending = bench->run(mode + QStringList{QStringLiteral("--tape"), name});
+        const auto ending = rig->run(mode + QStringList{QStringLiteral("--tape"), name});
         QCOMPARE(ending.exitCode, 1);
         QCOMPARE(ending.complaints,
                  QStringList{QStringLiteral("workbench: %1: %2").arg(name, reason)});
-        QCOMPARE(bench->files(), QStringList());
+        QCOMPARE(rig->files(), QStringList());
     }
 }
 
@@ -289,10 +287,10 @@ void AppTapesTest::tapeThatCannotBeReadIsRefused()
 {
     QFETCH(QString, name);
     QFETCH(QString, complaint);
-    bench->write(QStringLiteral("faulty.tape"), "module-tape 1\n0.000000000\n");
-    bench->write(QStringLiteral("short.tape"), "module-tape 1\n");
-    const auto process = bench->start({QStringLiteral("--replay"), name});
-    QVERIFY(process->waitForFinished(ProgramBench::runTimeoutMs));
+    rig->write(QStringLiteral("faulty.tape"), "module-tape 1\n0.000000000\n");
+    rig->write(QStringLiteral("short.tape"), "module-tape 1\n");
+    const auto process = rig->start({QStringLiteral("--replay"), name});
+    QVERIFY(process->waitForFinished(ProgramRig::runTimeoutMs));
     QCOMPARE(process->exitCode(), 2);
     QCOMPARE(errorLines(*process), QStringList{complaint});
 }
@@ -308,7 +306,7 @@ void AppTapesTest::failingStepsAreNamed_data()
 void AppTapesTest::failingStepsAreNamed()
 {
     QFETCH(QString, step);
-    const auto ending = bench->run(
+    const auto ending = rig->run(
         unattended({QStringLiteral("--fault"), QString::fromLatin1(QTest::currentDataTag())}));
     QCOMPARE(ending.exitCode, 1);
     QCOMPARE(ending.complaints.size(), 1);

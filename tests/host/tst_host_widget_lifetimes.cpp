@@ -1,5 +1,5 @@
 #include "HostLocale.h"
-#include "HostWidgetBench.h"
+#include "HostWidgetRig.h"
 #include "XmlRegisterWidgetContainer.h"
 #include "XmlValueRegister.h"
 #include "XmlValueRegisterField.h"
@@ -30,7 +30,7 @@ protected:
 
 } // namespace
 
-class HostWidgetLifetimesTest : public HostWidgetBench
+class HostWidgetLifetimesTest : public HostWidgetRig
 {
     Q_OBJECT
 

@@ -1,5 +1,5 @@
 #include "HostLocale.h"
-#include "HostWidgetBench.h"
+#include "HostWidgetRig.h"
 #include "XmlValueRegister.h"
 #include "XmlValueRegisterField.h"
 
@@ -7,7 +7,7 @@
 #include <QSpinBox>
 #include <QTest>
 
-class HostWidgetValuesTest : public HostWidgetBench
+class HostWidgetValuesTest : public HostWidgetRig
 {
     Q_OBJECT
 

@@ -1,5 +1,5 @@
 #include "HostLocale.h"
-#include "HostWidgetBench.h"
+#include "HostWidgetRig.h"
 #include "XmlProductIC.h"
 #include "XmlRegisterWidgetContainer.h"
 #include "XmlValueRegister.h"
@@ -25,7 +25,7 @@ bool turnWheel(QWidget *widget, int delta)
 
 } // namespace
 
-class HostWidgetsTest : public HostWidgetBench
+class HostWidgetsTest : public HostWidgetRig
 {
     Q_OBJECT
 

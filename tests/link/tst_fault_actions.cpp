@@ -1,4 +1,4 @@
-#include "FaultLinkBench.h"
+#include "FaultLinkRig.h"
 
 #include <QtTest>
 
@@ -24,39 +24,39 @@ private slots:
 
 void FaultActionsTest::resetComesOnceInAMove()
 {
-    FaultLinkBench bench;
+    FaultLinkRig rig;
     QVector<qint64> resets;
     FaultActions actions;
-    actions.resetChip = [&resets](qint64 ns) { resets << ns / FaultLinkBench::msInNs; };
-    bench.link.setActions(actions);
-    QVERIFY(bench.on("reset:10"));
-    bench.clock.advance(5 * FaultLinkBench::msInNs);
-    bench.write(FaultLinkBench::target0, 1); // asked at 5 ms
+    actions.resetChip = [&resets](qint64 ns) { resets << ns / FaultLinkRig::msInNs; };
+    rig.link.setActions(actions);
+    QVERIFY(rig.on("reset:10"));
+    rig.clock.advance(5 * FaultLinkRig::msInNs);
+    rig.write(FaultLinkRig::target0, 1); // asked at 5 ms
     for (int i = 0; i < 9; ++i)
-        bench.positions();
+        rig.positions();
     QVERIFY(resets.isEmpty());
-    bench.clock.advance(20 * FaultLinkBench::msInNs);
-    bench.positions();
+    rig.clock.advance(20 * FaultLinkRig::msInNs);
+    rig.positions();
     QCOMPARE(resets, QVector<qint64>{15});
-    bench.write(FaultLinkBench::target0, 1);
-    bench.clock.advance(50 * FaultLinkBench::msInNs);
-    bench.positions();
+    rig.write(FaultLinkRig::target0, 1);
+    rig.clock.advance(50 * FaultLinkRig::msInNs);
+    rig.positions();
     QCOMPARE(resets.size(), 1);
 }
 
 void FaultActionsTest::resetWaitsForATarget()
 {
-    FaultLinkBench bench;
+    FaultLinkRig rig;
     int resets = 0;
     FaultActions actions;
     actions.resetChip = [&resets](qint64) { ++resets; };
-    bench.link.setActions(actions);
-    QVERIFY(bench.on("reset:0"));
-    bench.clock.advance(50 * FaultLinkBench::msInNs);
-    bench.write(FaultLinkBench::setting, 1);
-    bench.read(FaultLinkBench::target0);
+    rig.link.setActions(actions);
+    QVERIFY(rig.on("reset:0"));
+    rig.clock.advance(50 * FaultLinkRig::msInNs);
+    rig.write(FaultLinkRig::setting, 1);
+    rig.read(FaultLinkRig::target0);
     QCOMPARE(resets, 0);
-    bench.write(FaultLinkBench::target0, 1);
+    rig.write(FaultLinkRig::target0, 1);
     QCOMPARE(resets, 1);
 }
 
@@ -72,80 +72,80 @@ void FaultActionsTest::hostObjectsGoInTheMiddleOfARequest()
 {
     QFETCH(int, registersGone);
     QFETCH(int, widgetsGone);
-    FaultLinkBench bench;
+    FaultLinkRig rig;
     int registers = 0;
     int widgets = 0;
     QStringList callsBefore;
     FaultActions actions;
     actions.deleteRegisters = [&] { ++registers; };
     actions.deleteWidgets = [&] { ++widgets; };
-    bench.link.setActions(actions);
-    QVERIFY(bench.on(QTest::currentDataTag()));
-    bench.read(FaultLinkBench::setting);
+    rig.link.setActions(actions);
+    QVERIFY(rig.on(QTest::currentDataTag()));
+    rig.read(FaultLinkRig::setting);
     QCOMPARE(registers + widgets, 0);
-    bench.read(FaultLinkBench::setting);
-    bench.read(FaultLinkBench::setting);
+    rig.read(FaultLinkRig::setting);
+    rig.read(FaultLinkRig::setting);
     QCOMPARE(registers, registersGone);
     QCOMPARE(widgets, widgetsGone);
 }
 
 void FaultActionsTest::hostObjectsGoAtOnceWithoutANumber()
 {
-    FaultLinkBench bench;
+    FaultLinkRig rig;
     int gone = 0;
     FaultActions actions;
     actions.deleteRegisters = actions.deleteWidgets = [&gone] { ++gone; };
-    bench.link.setActions(actions);
-    QVERIFY(bench.on("delete-registers"));
+    rig.link.setActions(actions);
+    QVERIFY(rig.on("delete-registers"));
     QCOMPARE(gone, 1);
-    QVERIFY(bench.on("delete-widgets"));
+    QVERIFY(rig.on("delete-widgets"));
     QCOMPARE(gone, 2);
-    bench.results();
+    rig.results();
     QCOMPARE(gone, 2);
 }
 
 void FaultActionsTest::missingActionsDoNothing()
 {
-    FaultLinkBench bench;
-    QVERIFY(bench.on("reset:0") && bench.on("delete-registers") && bench.on("delete-widgets:1"));
-    bench.write(FaultLinkBench::target0, 1);
-    QCOMPARE(bench.results(), QStringLiteral("500 ok 10,-20 3ms"));
+    FaultLinkRig rig;
+    QVERIFY(rig.on("reset:0") && rig.on("delete-registers") && rig.on("delete-widgets:1"));
+    rig.write(FaultLinkRig::target0, 1);
+    QCOMPARE(rig.results(), QStringLiteral("500 ok 10,-20 3ms"));
 }
 
 void FaultActionsTest::actionsMaySwitchFaultsOff()
 {
-    FaultLinkBench bench;
+    FaultLinkRig rig;
     FaultActions actions;
-    actions.deleteRegisters = [&bench] { bench.link.switchOffAll(); };
-    bench.link.setActions(actions);
-    QVERIFY(bench.on("fail-reads") && bench.on("delete-registers:1"));
-    QCOMPARE(bench.results(), QStringLiteral("500 ok 10,-20 3ms"));
+    actions.deleteRegisters = [&rig] { rig.link.switchOffAll(); };
+    rig.link.setActions(actions);
+    QVERIFY(rig.on("fail-reads") && rig.on("delete-registers:1"));
+    QCOMPARE(rig.results(), QStringLiteral("500 ok 10,-20 3ms"));
 }
 
 void FaultActionsTest::spinLetsEventsThrough()
 {
-    FaultLinkBench bench;
+    FaultLinkRig rig;
     int events = 0;
     QMetaObject::invokeMethod(
         this, [&events] { ++events; }, Qt::QueuedConnection);
-    bench.read(FaultLinkBench::setting);
+    rig.read(FaultLinkRig::setting);
     QCOMPARE(events, 0);
-    QVERIFY(bench.on("spin"));
-    QCOMPARE(bench.read(FaultLinkBench::setting), QStringLiteral("500"));
+    QVERIFY(rig.on("spin"));
+    QCOMPARE(rig.read(FaultLinkRig::setting), QStringLiteral("500"));
     QCOMPARE(events, 1);
 }
 
 void FaultActionsTest::spinDoesNotNestWithoutEnd()
 {
-    FaultLinkBench bench;
-    QVERIFY(bench.on("spin"));
+    FaultLinkRig rig;
+    QVERIFY(rig.on("spin"));
     int depth = 0;
     int deepest = 0;
     const std::function<void()> ask = [&] {
         deepest = qMax(deepest, ++depth);
         QMetaObject::invokeMethod(
             this, [&] { ask(); }, Qt::QueuedConnection);
-        bench.positions();
+        rig.positions();
         --depth;
     };
     ask();

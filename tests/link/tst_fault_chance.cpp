@@ -1,4 +1,4 @@
-#include "FaultLinkBench.h"
+#include "FaultLinkRig.h"
 
 #include <QtTest>
 
@@ -17,14 +17,14 @@ static void addFaultsOfChance()
 static QStringList manyReplies(const QString &fault, quint32 seed,
                                const QString &otherFault = QString())
 {
-    FaultLinkBench bench(seed);
+    FaultLinkRig rig(seed);
     for (const QString &text : {otherFault, fault}) {
-        if (!text.isEmpty() && !bench.on(qPrintable(text)))
+        if (!text.isEmpty() && !rig.on(qPrintable(text)))
             return {};
     }
     QStringList replies;
     for (int i = 0; i < 50; ++i)
-        replies << bench.read(FaultLinkBench::setting) << bench.positions();
+        replies << rig.read(FaultLinkRig::setting) << rig.positions();
     return replies;
 }
 
@@ -87,26 +87,26 @@ void FaultChanceTest::probabilityIsTheShareOfReplies_data()
 void FaultChanceTest::probabilityIsTheShareOfReplies()
 {
     QFETCH(double, share);
-    FaultLinkBench bench;
-    QVERIFY(bench.on(QTest::currentDataTag()));
+    FaultLinkRig rig;
+    QVERIFY(rig.on(QTest::currentDataTag()));
     constexpr int count = 10000;
     int spoilt = 0;
     for (int i = 0; i < count; ++i)
-        spoilt += bench.read(FaultLinkBench::setting) == QStringLiteral("500") ? 0 : 1;
+        spoilt += rig.read(FaultLinkRig::setting) == QStringLiteral("500") ? 0 : 1;
     const double seen = double(spoilt) / count;
     QVERIFY2(qAbs(seen - share) < 0.015, qPrintable(QString::number(seen)));
 }
 
 void FaultChanceTest::corruptFlipsOneBit()
 {
-    FaultLinkBench bench;
-    QVERIFY(bench.on("corrupt:1"));
+    FaultLinkRig rig;
+    QVERIFY(rig.on("corrupt:1"));
     quint64 flipped = 0;
     const LinkReply right = packPositions(10, -20);
     for (int i = 0; i < 2000; ++i) {
         LinkReply reply;
         QVERIFY(
-            bench.link.userFunction(&reply.a, &reply.b, bothPositionsFunction, 0, 0, &reply.value));
+            rig.link.userFunction(&reply.a, &reply.b, bothPositionsFunction, 0, 0, &reply.value));
         const quint64 wrong = quint64(reply.value ^ right.value) |
                               quint64(reply.a ^ right.a) << 32 | quint64(reply.b ^ right.b) << 40;
         QCOMPARE(qPopulationCount(wrong), 1u);
@@ -115,20 +115,20 @@ void FaultChanceTest::corruptFlipsOneBit()
     QCOMPARE(flipped, (quint64(1) << 48) - 1);
     quint32 flippedInRegister = 0;
     for (int i = 0; i < 2000; ++i)
-        flippedInRegister |= quint32(bench.read(FaultLinkBench::setting).toInt() ^ 500);
+        flippedInRegister |= quint32(rig.read(FaultLinkRig::setting).toInt() ^ 500);
     QCOMPARE(flippedInRegister, std::numeric_limits<quint32>::max());
 }
 
 void FaultChanceTest::noiseStaysWithinItsBounds()
 {
-    FaultLinkBench bench;
-    QVERIFY(bench.on("noise:3"));
+    FaultLinkRig rig;
+    QVERIFY(rig.on("noise:3"));
     QSet<int> seen;
     for (int i = 0; i < 300; ++i)
-        seen.insert(bench.read(FaultLinkBench::position0).toInt());
+        seen.insert(rig.read(FaultLinkRig::position0).toInt());
     QCOMPARE(seen, (QSet<int>{7, 8, 9, 10, 11, 12, 13}));
-    QCOMPARE(bench.read(FaultLinkBench::setting), QStringLiteral("500"));
-    QCOMPARE(bench.read(FaultLinkBench::velocity0), QStringLiteral("30"));
+    QCOMPARE(rig.read(FaultLinkRig::setting), QStringLiteral("500"));
+    QCOMPARE(rig.read(FaultLinkRig::velocity0), QStringLiteral("30"));
 }
 
 QTEST_GUILESS_MAIN(FaultChanceTest)

@@ -1,5 +1,5 @@
 #include "ChipDescription.h"
-#include "FaultLinkBench.h"
+#include "FaultLinkRig.h"
 
 #include <QtTest>
 
@@ -30,17 +30,17 @@ private slots:
 
 void FaultLinkTest::withoutFaultsEverythingPassesUnchanged()
 {
-    FaultLinkBench bench;
-    QCOMPARE(bench.results(), QStringLiteral("500 ok 10,-20 3ms"));
-    QCOMPARE(bench.device.takeCalls(),
+    FaultLinkRig rig;
+    QCOMPARE(rig.results(), QStringLiteral("500 ok 10,-20 3ms"));
+    QCOMPARE(rig.device.takeCalls(),
              (QStringList{QStringLiteral("read 0x13 m0"), QStringLiteral("write 0x13 m0 7"),
                           QStringLiteral("user 0xFD")}));
     unsigned char a = 1;
     unsigned char b = 2;
     unsigned int reply = 0;
-    bench.link.userFunction(&a, &b, bothPositionsFunction, 3, 4, &reply);
-    QCOMPARE(bench.device.userRequest, QByteArray("\x01\x02\xFD\x03\x04"));
-    QVERIFY(bench.link.active().isEmpty());
+    rig.link.userFunction(&a, &b, bothPositionsFunction, 3, 4, &reply);
+    QCOMPARE(rig.device.userRequest, QByteArray("\x01\x02\xFD\x03\x04"));
+    QVERIFY(rig.link.active().isEmpty());
 }
 
 void FaultLinkTest::faultsSpoilRequests_data()
@@ -84,10 +84,10 @@ void FaultLinkTest::faultsSpoilRequests()
 {
     QFETCH(QString, results);
     QFETCH(int, callCount);
-    FaultLinkBench bench;
-    QVERIFY(bench.on(QTest::currentDataTag()));
-    QCOMPARE(bench.results(), results);
-    QCOMPARE(bench.device.calls.size(), callCount);
+    FaultLinkRig rig;
+    QVERIFY(rig.on(QTest::currentDataTag()));
+    QCOMPARE(rig.results(), results);
+    QCOMPARE(rig.device.calls.size(), callCount);
 }
 
 void FaultLinkTest::switchedOffTheLinkWorksAgain_data()
@@ -105,94 +105,94 @@ void FaultLinkTest::switchedOffTheLinkWorksAgain()
     const QString name =
         QString::fromLatin1(QTest::currentDataTag()).section(QLatin1Char(' '), 0, 0);
     const FaultKind kind = parseFault(name).fault->kind;
-    FaultLinkBench bench;
-    bench.link.switchOn(presetFault(kind));
-    QVERIFY(bench.link.isOn(kind));
-    bench.results();
+    FaultLinkRig rig;
+    rig.link.switchOn(presetFault(kind));
+    QVERIFY(rig.link.isOn(kind));
+    rig.results();
     if (isAllOff)
-        bench.link.switchOffAll();
+        rig.link.switchOffAll();
     else
-        bench.link.switchOff(kind);
-    QVERIFY(!bench.link.isOn(kind));
-    bench.device.values[FaultLinkBench::setting] = 500;
-    QCOMPARE(bench.results(), QStringLiteral("500 ok 10,-20 3ms"));
+        rig.link.switchOff(kind);
+    QVERIFY(!rig.link.isOn(kind));
+    rig.device.values[FaultLinkRig::setting] = 500;
+    QCOMPARE(rig.results(), QStringLiteral("500 ok 10,-20 3ms"));
 }
 
 void FaultLinkTest::activeFaultsAreListedInTheOrderOfTheTable()
 {
-    FaultLinkBench bench;
-    QVERIFY(bench.on("spin") && bench.on("noise:5") && bench.on("late"));
+    FaultLinkRig rig;
+    QVERIFY(rig.on("spin") && rig.on("noise:5") && rig.on("late"));
     QStringList names;
-    const auto active = bench.link.active();
+    const auto active = rig.link.active();
     for (const Fault &fault : active)
         names << faultText(fault);
     QCOMPARE(names.join(QLatin1Char(' ')), QStringLiteral("late:50 noise:5 spin"));
-    bench.link.switchOff(FaultKind::Noise);
-    QCOMPARE(bench.link.active().size(), 2);
+    rig.link.switchOff(FaultKind::Noise);
+    QCOMPARE(rig.link.active().size(), 2);
 }
 
 void FaultLinkTest::aFaultSwitchedOnAgainTakesTheNewParameter()
 {
-    FaultLinkBench bench;
-    QVERIFY(bench.on("late:10") && bench.on("late:20"));
-    QCOMPARE(bench.results(), QStringLiteral("500 ok 10,-20 63ms"));
-    QCOMPARE(bench.link.active().size(), 1);
+    FaultLinkRig rig;
+    QVERIFY(rig.on("late:10") && rig.on("late:20"));
+    QCOMPARE(rig.results(), QStringLiteral("500 ok 10,-20 63ms"));
+    QCOMPARE(rig.link.active().size(), 1);
 }
 
 void FaultLinkTest::severalFaultsActTogether()
 {
-    FaultLinkBench bench;
-    QVERIFY(bench.on("late:10") && bench.on("jump:100") && bench.on("fail-reads"));
-    QCOMPARE(bench.results(), QStringLiteral("failed ok 110,80 22ms"));
+    FaultLinkRig rig;
+    QVERIFY(rig.on("late:10") && rig.on("jump:100") && rig.on("fail-reads"));
+    QCOMPARE(rig.results(), QStringLiteral("failed ok 110,80 22ms"));
 }
 
 void FaultLinkTest::aFailureOfTheDeviceStaysOne()
 {
-    FaultLinkBench bench;
-    QVERIFY(bench.on("stale") && bench.on("noise") && bench.on("corrupt:1"));
-    bench.device.failReads = bench.device.failWrites = bench.device.failUserFunctions = true;
-    QCOMPARE(bench.results(), QStringLiteral("failed failed failed 3ms"));
+    FaultLinkRig rig;
+    QVERIFY(rig.on("stale") && rig.on("noise") && rig.on("corrupt:1"));
+    rig.device.failReads = rig.device.failWrites = rig.device.failUserFunctions = true;
+    QCOMPARE(rig.results(), QStringLiteral("failed failed failed 3ms"));
 }
 
 void FaultLinkTest::staleAnswersWithTheReplyBefore()
 {
-    FaultLinkBench bench;
-    QCOMPARE(bench.read(FaultLinkBench::setting), QStringLiteral("500"));
-    QVERIFY(bench.on("stale"));
-    QCOMPARE(bench.read(FaultLinkBench::velocity0), QStringLiteral("500"));
-    QCOMPARE(bench.write(FaultLinkBench::setting, 7), QStringLiteral("ok"));
-    QCOMPARE(bench.read(FaultLinkBench::setting), QStringLiteral("30"));
-    QCOMPARE(bench.read(FaultLinkBench::setting), QStringLiteral("7"));
-    bench.link.switchOff(FaultKind::Stale);
-    QCOMPARE(bench.read(FaultLinkBench::velocity0), QStringLiteral("30"));
+    FaultLinkRig rig;
+    QCOMPARE(rig.read(FaultLinkRig::setting), QStringLiteral("500"));
+    QVERIFY(rig.on("stale"));
+    QCOMPARE(rig.read(FaultLinkRig::velocity0), QStringLiteral("500"));
+    QCOMPARE(rig.write(FaultLinkRig::setting, 7), QStringLiteral("ok"));
+    QCOMPARE(rig.read(FaultLinkRig::setting), QStringLiteral("30"));
+    QCOMPARE(rig.read(FaultLinkRig::setting), QStringLiteral("7"));
+    rig.link.switchOff(FaultKind::Stale);
+    QCOMPARE(rig.read(FaultLinkRig::velocity0), QStringLiteral("30"));
 }
 
 void FaultLinkTest::staleBytesOfARegisterAreZero()
 {
-    FaultLinkBench bench;
-    QVERIFY(bench.on("stale"));
-    QCOMPARE(bench.read(FaultLinkBench::velocity0), QStringLiteral("30"));
-    QCOMPARE(bench.positions(), QStringLiteral("0,30"));
-    QCOMPARE(bench.positions(), QStringLiteral("10,-20"));
+    FaultLinkRig rig;
+    QVERIFY(rig.on("stale"));
+    QCOMPARE(rig.read(FaultLinkRig::velocity0), QStringLiteral("30"));
+    QCOMPARE(rig.positions(), QStringLiteral("0,30"));
+    QCOMPARE(rig.positions(), QStringLiteral("10,-20"));
 }
 
 void FaultLinkTest::failEveryCountsAllRequests()
 {
-    FaultLinkBench bench;
-    QVERIFY(bench.on("fail-every:3"));
+    FaultLinkRig rig;
+    QVERIFY(rig.on("fail-every:3"));
     QStringList seen;
     for (int i = 0; i < 3; ++i)
-        seen << bench.read(FaultLinkBench::velocity0) << bench.positions();
+        seen << rig.read(FaultLinkRig::velocity0) << rig.positions();
     QCOMPARE(seen.join(QLatin1Char(' ')), QStringLiteral("30 10,-20 failed 10,-20 30 failed"));
 }
 
 void FaultLinkTest::slowMultipliesTheTimeOfTheDevice()
 {
-    FaultLinkBench bench;
-    bench.device.onRequest = [&bench] { bench.clock.advance(3 * FaultLinkBench::msInNs); };
-    QVERIFY(bench.on("slow:4"));
-    bench.read(FaultLinkBench::setting);
-    QCOMPARE(bench.clock.now(), 12 * FaultLinkBench::msInNs);
+    FaultLinkRig rig;
+    rig.device.onRequest = [&rig] { rig.clock.advance(3 * FaultLinkRig::msInNs); };
+    QVERIFY(rig.on("slow:4"));
+    rig.read(FaultLinkRig::setting);
+    QCOMPARE(rig.clock.now(), 12 * FaultLinkRig::msInNs);
 }
 
 void FaultLinkTest::otherUserFunctionsAreNoPositions()

@@ -1,4 +1,4 @@
-#include "FaultLinkBench.h"
+#include "FaultLinkRig.h"
 
 #include <QtTest>
 
@@ -21,50 +21,50 @@ private slots:
 
 void FaultMotionTest::frozenPositionsHoldWhatWasSeenFirst()
 {
-    FaultLinkBench bench;
-    QVERIFY(bench.on("frozen-positions"));
-    QCOMPARE(bench.positions(), QStringLiteral("10,-20"));
-    bench.device.position0 = 11;
-    bench.device.position1 = -21;
-    bench.device.values[FaultLinkBench::position0] = 11;
-    QCOMPARE(bench.positions(), QStringLiteral("10,-20"));
-    QCOMPARE(bench.read(FaultLinkBench::position0), QStringLiteral("10"));
-    QCOMPARE(bench.read(FaultLinkBench::velocity0), QStringLiteral("30"));
-    bench.link.switchOff(FaultKind::FrozenPositions);
-    QCOMPARE(bench.positions(), QStringLiteral("11,-21"));
+    FaultLinkRig rig;
+    QVERIFY(rig.on("frozen-positions"));
+    QCOMPARE(rig.positions(), QStringLiteral("10,-20"));
+    rig.device.position0 = 11;
+    rig.device.position1 = -21;
+    rig.device.values[FaultLinkRig::position0] = 11;
+    QCOMPARE(rig.positions(), QStringLiteral("10,-20"));
+    QCOMPARE(rig.read(FaultLinkRig::position0), QStringLiteral("10"));
+    QCOMPARE(rig.read(FaultLinkRig::velocity0), QStringLiteral("30"));
+    rig.link.switchOff(FaultKind::FrozenPositions);
+    QCOMPARE(rig.positions(), QStringLiteral("11,-21"));
 }
 
 void FaultMotionTest::frozenPositionsAreTakenAnewWhenSwitchedOnAgain()
 {
-    FaultLinkBench bench;
-    QVERIFY(bench.on("frozen-positions"));
-    bench.positions();
-    bench.device.position0 = 11;
-    QVERIFY(bench.on("frozen-positions"));
-    QCOMPARE(bench.positions(), QStringLiteral("11,-20"));
+    FaultLinkRig rig;
+    QVERIFY(rig.on("frozen-positions"));
+    rig.positions();
+    rig.device.position0 = 11;
+    QVERIFY(rig.on("frozen-positions"));
+    QCOMPARE(rig.positions(), QStringLiteral("11,-20"));
 }
 
 void FaultMotionTest::stuckAxisStandsWhileTheOtherGoesOn()
 {
-    FaultLinkBench bench;
-    QVERIFY(bench.on("stuck-axis:1"));
-    bench.positions();
-    bench.device.position0 = 11;
-    bench.device.position1 = -21;
-    bench.device.values[0x21] = 40;
-    QCOMPARE(bench.positions(), QStringLiteral("11,-20"));
-    QCOMPARE(bench.read(FaultLinkBench::velocity0), QStringLiteral("30"));
-    QCOMPARE(bench.read(0x21), QStringLiteral("0"));
+    FaultLinkRig rig;
+    QVERIFY(rig.on("stuck-axis:1"));
+    rig.positions();
+    rig.device.position0 = 11;
+    rig.device.position1 = -21;
+    rig.device.values[0x21] = 40;
+    QCOMPARE(rig.positions(), QStringLiteral("11,-20"));
+    QCOMPARE(rig.read(FaultLinkRig::velocity0), QStringLiteral("30"));
+    QCOMPARE(rig.read(0x21), QStringLiteral("0"));
 }
 
 void FaultMotionTest::jumpComesAndGoes()
 {
-    FaultLinkBench bench;
-    QVERIFY(bench.on("jump:1000"));
+    FaultLinkRig rig;
+    QVERIFY(rig.on("jump:1000"));
     QStringList seen;
     for (int ms : {0, 98, 0, 398, 0, 0}) {
-        bench.clock.advance(ms * FaultLinkBench::msInNs);
-        seen << bench.read(FaultLinkBench::position0);
+        rig.clock.advance(ms * FaultLinkRig::msInNs);
+        seen << rig.read(FaultLinkRig::position0);
     }
     // Asked at 1, 100, 101, 500, 501 and 502 ms.
     QCOMPARE(seen.join(QLatin1Char(' ')), QStringLiteral("1010 10 10 1010 1010 1010"));
@@ -72,32 +72,32 @@ void FaultMotionTest::jumpComesAndGoes()
 
 void FaultMotionTest::spoiltPositionsStayWithinTheAxis()
 {
-    FaultLinkBench bench;
-    QVERIFY(bench.on("jump:1000000"));
-    bench.device.position0 = 8388600;
-    bench.device.position1 = -8388608;
-    QCOMPARE(bench.positions(), QStringLiteral("8388607,-7388608"));
+    FaultLinkRig rig;
+    QVERIFY(rig.on("jump:1000000"));
+    rig.device.position0 = 8388600;
+    rig.device.position1 = -8388608;
+    QCOMPARE(rig.positions(), QStringLiteral("8388607,-7388608"));
 }
 
 void FaultMotionTest::zeroVelocityLastsForAWhileInEachMove()
 {
-    FaultLinkBench bench;
-    QVERIFY(bench.on("zero-velocity:100"));
-    QCOMPARE(bench.read(FaultLinkBench::velocity0), QStringLiteral("0"));
-    bench.clock.advance(98 * FaultLinkBench::msInNs);
-    QCOMPARE(bench.read(FaultLinkBench::velocity0), QStringLiteral("0"));
-    QCOMPARE(bench.read(FaultLinkBench::velocity0), QStringLiteral("30"));
-    QCOMPARE(bench.write(FaultLinkBench::target0, 5), QStringLiteral("ok"));
-    QCOMPARE(bench.read(FaultLinkBench::velocity0), QStringLiteral("0"));
+    FaultLinkRig rig;
+    QVERIFY(rig.on("zero-velocity:100"));
+    QCOMPARE(rig.read(FaultLinkRig::velocity0), QStringLiteral("0"));
+    rig.clock.advance(98 * FaultLinkRig::msInNs);
+    QCOMPARE(rig.read(FaultLinkRig::velocity0), QStringLiteral("0"));
+    QCOMPARE(rig.read(FaultLinkRig::velocity0), QStringLiteral("30"));
+    QCOMPARE(rig.write(FaultLinkRig::target0, 5), QStringLiteral("ok"));
+    QCOMPARE(rig.read(FaultLinkRig::velocity0), QStringLiteral("0"));
 }
 
 void FaultMotionTest::zeroVelocityLeavesOtherRegistersAlone()
 {
-    FaultLinkBench bench;
-    QVERIFY(bench.on("zero-velocity"));
-    QCOMPARE(bench.read(FaultLinkBench::velocity0), QStringLiteral("0"));
-    QCOMPARE(bench.read(FaultLinkBench::position0), QStringLiteral("10"));
-    QCOMPARE(bench.read(FaultLinkBench::setting), QStringLiteral("500"));
+    FaultLinkRig rig;
+    QVERIFY(rig.on("zero-velocity"));
+    QCOMPARE(rig.read(FaultLinkRig::velocity0), QStringLiteral("0"));
+    QCOMPARE(rig.read(FaultLinkRig::position0), QStringLiteral("10"));
+    QCOMPARE(rig.read(FaultLinkRig::setting), QStringLiteral("500"));
 }
 
 QTEST_GUILESS_MAIN(FaultMotionTest)

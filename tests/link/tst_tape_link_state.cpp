@@ -1,4 +1,4 @@
-#include "TapeBench.h"
+#include "TapeRig.h"
 
 #include <QtTest>
 

@@ -1,7 +1,7 @@
 #include "FaultyLink.h"
 #include "HeadlessPlatform.h"
 #include "PositionPacking.h"
-#include "ReplayBench.h"
+#include "ReplayRig.h"
 #include "TapeLink.h"
 #include "TapeReader.h"
 #include "TapeRecorder.h"
@@ -28,40 +28,40 @@ struct Ending
 
 const QVector<QPointF> targets{{800, 300}, {-200, 450}};
 
-Ending drive(ReplayBench &bench, const QVector<QPointF> &points, qint64 pauseNs)
+Ending drive(ReplayRig &rig, const QVector<QPointF> &points, qint64 pauseNs)
 {
     Ending ending;
     for (const QPointF &point : points) {
-        bench.moveTo(point);
-        ending.hasEnded = bench.finishMove(pauseNs) && ending.hasEnded;
+        rig.moveTo(point);
+        ending.hasEnded = rig.finishMove(pauseNs) && ending.hasEnded;
     }
-    ending.trace = bench.trace();
-    ending.position = bench.shownPosition();
-    ending.timeNs = bench.clock.now();
+    ending.trace = rig.trace();
+    ending.position = rig.shownPosition();
+    ending.timeNs = rig.clock.now();
     return ending;
 }
 
-using Drive = std::function<Ending(ReplayBench &)>;
+using Drive = std::function<Ending(ReplayRig &)>;
 
 QByteArray record(Ending *ending, const QString &faultText, const Drive &run)
 {
-    ReplayBench bench;
-    FaultyLink faulty(bench.module.link(), bench.clock, bench.registers());
+    ReplayRig rig;
+    FaultyLink faulty(rig.module.link(), rig.clock, rig.registers());
     if (!faultText.isEmpty())
         faulty.switchOn(*parseFault(faultText).fault);
-    TapeRecorder recorder(faulty, bench.clock);
+    TapeRecorder recorder(faulty, rig.clock);
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     recorder.start(&buffer);
-    bench.begin(&recorder);
-    *ending = run(bench);
+    rig.begin(&recorder);
+    *ending = run(rig);
     recorder.finish();
     return buffer.data();
 }
 
 QByteArray record(Ending *ending, const QString &faultText = QString())
 {
-    return record(ending, faultText, [](ReplayBench &bench) { return drive(bench, targets, 0); });
+    return record(ending, faultText, [](ReplayRig &rig) { return drive(rig, targets, 0); });
 }
 
 Tape parsed(QByteArray text)
@@ -83,42 +83,41 @@ QVector<QPointF> positionsOn(const Tape &tape)
 }
 
 /// A move to 800,300 that is stopped when `isTimeToStop`, and what comes of it.
-Ending driveAndStop(ReplayBench &bench, const std::function<bool()> &isTimeToStop, qint64 pauseNs)
+Ending driveAndStop(ReplayRig &rig, const std::function<bool()> &isTimeToStop, qint64 pauseNs)
 {
     Ending ending;
-    bench.moveTo(targets.constFirst());
-    ending.hasEnded = bench.goOn(isTimeToStop, pauseNs) && bench.isMoving();
-    bench.stop();
-    ending.hasEnded = bench.finishMove(pauseNs) && ending.hasEnded;
-    ending.trace = bench.trace();
-    ending.position = bench.shownPosition();
-    ending.target = bench.shownTarget();
-    ending.timeNs = bench.clock.now();
+    rig.moveTo(targets.constFirst());
+    ending.hasEnded = rig.goOn(isTimeToStop, pauseNs) && rig.isMoving();
+    rig.stop();
+    ending.hasEnded = rig.finishMove(pauseNs) && ending.hasEnded;
+    ending.trace = rig.trace();
+    ending.position = rig.shownPosition();
+    ending.target = rig.shownTarget();
+    ending.timeNs = rig.clock.now();
     return ending;
 }
 
 /// Holds when more has been sampled since a position behind `x` was drawn.
-std::function<bool()> someTurnsBehind(const ReplayBench &bench, int x)
+std::function<bool()> someTurnsBehind(const ReplayRig &rig, int x)
 {
-    return [&bench, x, turns = 0]() mutable {
-        turns += bench.shownPosition().x() > x;
+    return [&rig, x, turns = 0]() mutable {
+        turns += rig.shownPosition().x() > x;
         return turns > 3;
     };
 }
 
 QByteArray recordStop(Ending *ending)
 {
-    return record(ending, QString(), [](ReplayBench &bench) {
-        return driveAndStop(bench, someTurnsBehind(bench, 350), 0);
-    });
+    return record(ending, QString(),
+                  [](ReplayRig &rig) { return driveAndStop(rig, someTurnsBehind(rig, 350), 0); });
 }
 
 Ending replay(const QByteArray &text, const QVector<QPointF> &points = targets, qint64 pauseNs = 0)
 {
-    ReplayBench bench;
-    TapeLink link(parsed(text), bench.clock, bench.registers());
-    bench.begin(&link);
-    Ending ending = drive(bench, points, pauseNs);
+    ReplayRig rig;
+    TapeLink link(parsed(text), rig.clock, rig.registers());
+    rig.begin(&link);
+    Ending ending = drive(rig, points, pauseNs);
     ending.deviation = link.deviation();
     return ending;
 }
@@ -198,17 +197,17 @@ void TapeReplayTest::laterStartsDoNotMatter()
     Ending recorded;
     const Tape tape = parsed(record(&recorded));
     QVERIFY(!tape.entries.isEmpty());
-    ReplayBench bench;
-    TapeLink link(tape, bench.clock, bench.registers());
-    bench.begin(&link);
+    ReplayRig rig;
+    TapeLink link(tape, rig.clock, rig.registers());
+    rig.begin(&link);
     for (const QPointF &point : targets) {
-        bench.clock.advance(7777 * ReplayBench::msInNs);
-        bench.moveTo(point);
-        QVERIFY(bench.finishMove());
+        rig.clock.advance(7777 * ReplayRig::msInNs);
+        rig.moveTo(point);
+        QVERIFY(rig.finishMove());
     }
-    QCOMPARE(bench.trace(), recorded.trace);
+    QCOMPARE(rig.trace(), recorded.trace);
     QVERIFY(link.deviation().isEmpty());
-    bench.clock.advance(ReplayBench::msInNs);
+    rig.clock.advance(ReplayRig::msInNs);
     QVERIFY(link.isAtEnd());
 }
 
@@ -226,10 +225,10 @@ void TapeReplayTest::stopIsRepeatedPointByPoint()
     const Tape tape = parsed(recordStop(&recorded));
     QVERIFY(recorded.hasEnded);
     QCOMPARE(recorded.position, recorded.target);
-    ReplayBench bench;
-    TapeLink link(tape, bench.clock, bench.registers());
-    bench.begin(&link);
-    const Ending replayed = driveAndStop(bench, someTurnsBehind(bench, 350), 0);
+    ReplayRig rig;
+    TapeLink link(tape, rig.clock, rig.registers());
+    rig.begin(&link);
+    const Ending replayed = driveAndStop(rig, someTurnsBehind(rig, 350), 0);
     QCOMPARE(link.deviation(), QString());
     QVERIFY(replayed.hasEnded && link.isPlayed());
     QCOMPARE(replayed.trace, recorded.trace);
@@ -250,13 +249,13 @@ void TapeReplayTest::stopIsRepeatedWithOtherSamples()
     QFETCH(int, pauseUs);
     Ending recorded;
     const Tape tape = parsed(recordStop(&recorded));
-    ReplayBench bench;
-    TapeLink link(tape, bench.clock, bench.registers());
-    bench.begin(&link);
+    ReplayRig rig;
+    TapeLink link(tape, rig.clock, rig.registers());
+    rig.begin(&link);
     const auto isTimeToStop = [&] {
-        return link.waitingNs() >= 0 && link.position() == bench.shownPosition().toPoint();
+        return link.waitingNs() >= 0 && link.position() == rig.shownPosition().toPoint();
     };
-    const Ending replayed = driveAndStop(bench, isTimeToStop, pauseUs * 1000);
+    const Ending replayed = driveAndStop(rig, isTimeToStop, pauseUs * 1000);
     QCOMPARE(link.deviation(), QString());
     QVERIFY(replayed.hasEnded && link.isPlayed());
     QCOMPARE(replayed.position, recorded.position);

@@ -1,5 +1,5 @@
 #include "HeadlessPlatform.h"
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include "DebugCategories.h"
 #include "ToolDetails.h"
@@ -207,14 +207,14 @@ void ToolEntryTest::metaObjectDeclaresNothingButSlots()
     QCOMPARE(meta->enumeratorCount(), meta->enumeratorOffset());
     QCOMPARE(meta->classInfoCount(), meta->classInfoOffset());
     QCOMPARE(meta->constructorCount(), 0);
-    ToolBench bench;
-    QCOMPARE(bench.tool()->metaObject(), meta);
+    ToolRig rig;
+    QCOMPARE(rig.tool()->metaObject(), meta);
 }
 
 void ToolEntryTest::castsByNameAndInterface()
 {
-    ToolBench bench;
-    for (ToolsInterface *tool : {toolPrototype(), bench.tool()}) {
+    ToolRig rig;
+    for (ToolsInterface *tool : {toolPrototype(), rig.tool()}) {
         void *const self = static_cast<QObject *>(tool);
         QCOMPARE(tool->qt_metacast(nullptr), nullptr);
         QCOMPARE(tool->qt_metacast("SynchronisedDriveTool"), self);
@@ -245,30 +245,30 @@ void ToolEntryTest::metaCallKnowsNoSpecialTypes()
 
 void ToolEntryTest::eventHandlersAreCallableAsSlots()
 {
-    ToolBench bench;
-    bench.link.takeCalls();
+    ToolRig rig;
+    rig.link.takeCalls();
     QTimerEvent *none = nullptr;
-    QVERIFY(QMetaObject::invokeMethod(bench.tool(), "timerEvent", Q_ARG(QTimerEvent *, none)));
-    QCOMPARE(bench.takeCalls(), QStringList{QStringLiteral("user 0xFD")});
+    QVERIFY(QMetaObject::invokeMethod(rig.tool(), "timerEvent", Q_ARG(QTimerEvent *, none)));
+    QCOMPARE(rig.takeCalls(), QStringList{QStringLiteral("user 0xFD")});
 
-    QVERIFY(QMetaObject::invokeMethod(bench.tool(), "setTargetPosition",
+    QVERIFY(QMetaObject::invokeMethod(rig.tool(), "setTargetPosition",
                                       Q_ARG(QPointF, QPointF(30, 40))));
-    QCOMPARE(bench.target()->at(0), QPointF(30, 40));
-    QCOMPARE(bench.limits(), QStringLiteral("-256 256 -256 256"));
-    QVERIFY(QMetaObject::invokeMethod(bench.tool(), "siblingIsVisible", Q_ARG(QString, QString()),
+    QCOMPARE(rig.target()->at(0), QPointF(30, 40));
+    QCOMPARE(rig.limits(), QStringLiteral("-256 256 -256 256"));
+    QVERIFY(QMetaObject::invokeMethod(rig.tool(), "siblingIsVisible", Q_ARG(QString, QString()),
                                       Q_ARG(bool, true)));
-    callEverySlot(bench.tool());
+    callEverySlot(rig.tool());
 }
 
 void ToolEntryTest::versionTextIsExact()
 {
-    ToolBench bench;
+    ToolRig rig;
     const auto text = QStringLiteral("4.6.0 - tools_synchronised_drive_tool;"
                                      "Plugin-Interface.4.6.0.tools_synchronised_drive_tool;"
                                      "Plugin ;"
                                      "Plugin.Interface.");
     QCOMPARE(text.size(), 116);
-    QCOMPARE(bench.tool()->version(), text);
+    QCOMPARE(rig.tool()->version(), text);
     QCOMPARE(toolPrototype()->version(), text);
 }
 

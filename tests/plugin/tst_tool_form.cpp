@@ -1,4 +1,4 @@
-#include "ToolBench.h"
+#include "ToolRig.h"
 #include "ui_SynchronisedDriveTool.h"
 
 #include <QTest>
@@ -369,29 +369,29 @@ void ToolFormTest::retranslationRefreshesOnlyTranslatedTexts()
 
 void ToolFormTest::toolHoldsTheFormWithChartAndRegisters()
 {
-    ToolBench bench;
-    QCOMPARE(bench.tool()->objectName(), QStringLiteral("SynchronisedDriveTool"));
-    QCOMPARE(bench.tool()->size(), QSize(813, 364));
-    const auto *graph = bench.tool()->findChild<QVBoxLayout *>(QStringLiteral("graphLayout"));
+    ToolRig rig;
+    QCOMPARE(rig.tool()->objectName(), QStringLiteral("SynchronisedDriveTool"));
+    QCOMPARE(rig.tool()->size(), QSize(813, 364));
+    const auto *graph = rig.tool()->findChild<QVBoxLayout *>(QStringLiteral("graphLayout"));
     QCOMPARE(graph->count(), 1);
-    QCOMPARE(graph->itemAt(0)->widget(), static_cast<QWidget *>(bench.view()));
-    const auto *settings = bench.tool()->findChild<QVBoxLayout *>(QStringLiteral("settingsLayout"));
+    QCOMPARE(graph->itemAt(0)->widget(), static_cast<QWidget *>(rig.view()));
+    const auto *settings = rig.tool()->findChild<QVBoxLayout *>(QStringLiteral("settingsLayout"));
     QCOMPARE(itemsOf(settings).mid(1),
              words("pbStart,pbStop,line,btnShowPosition,btnShowRegister,spacer 20x40 1 7,"
                    "line_2,horizontalLayout_3,btnZoomOut,btnZoomIn"));
     for (const QString &name : limitNames)
-        QVERIFY(bench.tool()->findChild<QSpinBox *>(name)->parentWidget() == bench.tool());
+        QVERIFY(rig.tool()->findChild<QSpinBox *>(name)->parentWidget() == rig.tool());
 }
 
 void ToolFormTest::toolIsTranslatedAsTheForm()
 {
     const MarkingTranslator translator;
-    ToolBench bench;
+    ToolRig rig;
     QCOMPARE(translator.asked.mid(0, translatedTexts().size()), translatedTexts());
-    QCOMPARE(bench.widget<QToolButton>("pbStart")->text(), QStringLiteral("* Move to position"));
-    QCOMPARE(bench.widget<QAbstractButton>("btnShowPosition")->text(),
+    QCOMPARE(rig.widget<QToolButton>("pbStart")->text(), QStringLiteral("* Move to position"));
+    QCOMPARE(rig.widget<QAbstractButton>("btnShowPosition")->text(),
              QStringLiteral("Position mode tools"));
-    QVERIFY(bench.tool()->windowTitle().isEmpty());
+    QVERIFY(rig.tool()->windowTitle().isEmpty());
 }
 
 QTEST_MAIN(ToolFormTest)

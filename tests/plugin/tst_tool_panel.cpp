@@ -1,5 +1,5 @@
 #include "HeadlessPlatform.h"
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include <QPushButton>
 #include <QSpinBox>
@@ -60,8 +60,8 @@ void ToolPanelTest::limitsNeverLeaveTheirBounds_data()
 void ToolPanelTest::limitsNeverLeaveTheirBounds()
 {
     QFETCH(QString, name);
-    ToolBench bench;
-    auto *limit = bench.widget<QSpinBox>(qPrintable(name));
+    ToolRig rig;
+    auto *limit = rig.widget<QSpinBox>(qPrintable(name));
     const bool isLower = name.endsWith(QLatin1String("min"));
     limit->setValue(isLower ? INT_MIN : INT_MAX);
     QCOMPARE(limit->value(), isLower ? -limitBound : limitBound);
@@ -83,9 +83,9 @@ void ToolPanelTest::limitsStepByTheGrid_data()
 void ToolPanelTest::limitsStepByTheGrid()
 {
     QFETCH(QString, name);
-    ToolBench bench;
-    bench.setLimits(-4096, 4096, -4096, 4096);
-    auto *limit = bench.widget<QSpinBox>(qPrintable(name));
+    ToolRig rig;
+    rig.setLimits(-4096, 4096, -4096, 4096);
+    auto *limit = rig.widget<QSpinBox>(qPrintable(name));
     const int start = limit->value();
     QTest::keyClick(limit, Qt::Key_Up);
     QCOMPARE(limit->value(), start + 256);
@@ -100,8 +100,8 @@ void ToolPanelTest::limitsStepByTheGrid()
 
 void ToolPanelTest::tracesStepByThousand()
 {
-    ToolBench bench;
-    auto *traces = bench.widget<QSpinBox>("spTraces");
+    ToolRig rig;
+    auto *traces = rig.widget<QSpinBox>("spTraces");
     QTest::keyClick(traces, Qt::Key_Up);
     QCOMPARE(traces->value(), 6000);
     turnWheel(traces, -2);
@@ -111,8 +111,8 @@ void ToolPanelTest::tracesStepByThousand()
 
 void ToolPanelTest::tracesStayWithinBounds()
 {
-    ToolBench bench;
-    auto *traces = bench.widget<QSpinBox>("spTraces");
+    ToolRig rig;
+    auto *traces = rig.widget<QSpinBox>("spTraces");
     QCOMPARE(traces->text(), grouped(5000) + QStringLiteral(" Traces"));
     traces->setValue(INT_MIN);
     QCOMPARE(traces->value(), 10);
@@ -123,22 +123,22 @@ void ToolPanelTest::tracesStayWithinBounds()
 /// 50000 is 5, 50, 500 and 5000 on its way.
 void ToolPanelTest::tracesBeingTypedTrimNothing()
 {
-    ToolBench bench;
-    bench.show();
-    bench.updateTick();
-    bench.call("on_pbStart_clicked");
-    auto *traces = bench.widget<QSpinBox>("spTraces");
+    ToolRig rig;
+    rig.show();
+    rig.updateTick();
+    rig.call("on_pbStart_clicked");
+    auto *traces = rig.widget<QSpinBox>("spTraces");
     for (int x = 1; x <= 60; ++x)
-        bench.sample(4 * x, 0);
-    bench.updateTick();
-    const int drawn = bench.trace()->count();
+        rig.sample(4 * x, 0);
+    rig.updateTick();
+    const int drawn = rig.trace()->count();
     QVERIFY(drawn > 40);
     traces->selectAll();
     for (const char digit : {'5', '0', '0', '0', '0'}) {
         QTest::keyClick(traces, digit);
-        bench.updateTick();
+        rig.updateTick();
         QCOMPARE(traces->value(), 5000);
-        QCOMPARE(bench.trace()->count(), drawn);
+        QCOMPARE(rig.trace()->count(), drawn);
     }
     QTest::keyClick(traces, Qt::Key_Return);
     QCOMPARE(traces->value(), 50000);
@@ -160,8 +160,8 @@ void ToolPanelTest::numbersAreGroupedTheFrenchWay()
 {
     QFETCH(QString, name);
     QFETCH(int, value);
-    ToolBench bench;
-    auto *box = bench.widget<QSpinBox>(qPrintable(name));
+    ToolRig rig;
+    auto *box = rig.widget<QSpinBox>(qPrintable(name));
     box->setValue(value);
     QVERIFY(grouped(value) != QString::number(value));
     QVERIFY(grouped(value) != QLocale::c().toString(value));
@@ -171,9 +171,9 @@ void ToolPanelTest::numbersAreGroupedTheFrenchWay()
 
 void ToolPanelTest::clearButtonTogglesOnEveryClick()
 {
-    ToolBench bench;
-    bench.show();
-    auto *clear = bench.widget<QPushButton>("btnClearTraces");
+    ToolRig rig;
+    rig.show();
+    auto *clear = rig.widget<QPushButton>("btnClearTraces");
     QVERIFY(!clear->isChecked());
     for (const bool isChecked : {true, false, true}) {
         QTest::mouseClick(clear, Qt::LeftButton);

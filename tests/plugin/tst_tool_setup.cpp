@@ -1,6 +1,6 @@
 #include "EventWatch.h"
 #include "HeadlessPlatform.h"
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include "ToolDetails.h"
 
@@ -42,12 +42,12 @@ void ToolSetupTest::cloneKeepsNameMotorAndModule_data()
 void ToolSetupTest::cloneKeepsNameMotorAndModule()
 {
     QFETCH(int, motor);
-    ToolBench bench(static_cast<unsigned char>(motor));
-    QCOMPARE(bench.tool()->name(), QStringLiteral("bench tool"));
-    QCOMPARE(bench.tool()->motorNumber(), motor);
-    QCOMPARE(bench.tool()->module(), static_cast<QVXLModuleInterface *>(bench.module()));
-    QVERIFY(!bench.tool()->parentWidget());
-    const ToolDetails details = ToolDetails::of(bench.tool());
+    ToolRig rig(static_cast<unsigned char>(motor));
+    QCOMPARE(rig.tool()->name(), QStringLiteral("rig tool"));
+    QCOMPARE(rig.tool()->motorNumber(), motor);
+    QCOMPARE(rig.tool()->module(), static_cast<QVXLModuleInterface *>(rig.module()));
+    QVERIFY(!rig.tool()->parentWidget());
+    const ToolDetails details = ToolDetails::of(rig.tool());
     QCOMPARE(details.className, QStringLiteral("SynchronisedDriveTool"));
     QCOMPARE(static_cast<int>(details.type), 101);
     QCOMPARE(details.iconPath, QStringLiteral(":/Software-Icons/Data"));
@@ -55,31 +55,31 @@ void ToolSetupTest::cloneKeepsNameMotorAndModule()
 
 void ToolSetupTest::newToolIsIdleAndTitled()
 {
-    ToolBench bench;
-    QCOMPARE(bench.tool()->toolsName(false), toolTitle);
-    QVERIFY(bench.tool()->windowTitle().isEmpty());
-    QCOMPARE(bench.limits(), QStringLiteral("-256 256 -256 256"));
-    QVERIFY(bench.timerIntervals().isEmpty());
-    QVERIFY(bench.link.takeCalls().isEmpty());
+    ToolRig rig;
+    QCOMPARE(rig.tool()->toolsName(false), toolTitle);
+    QVERIFY(rig.tool()->windowTitle().isEmpty());
+    QCOMPARE(rig.limits(), QStringLiteral("-256 256 -256 256"));
+    QVERIFY(rig.timerIntervals().isEmpty());
+    QVERIFY(rig.link.takeCalls().isEmpty());
 
-    const QVariant flags = bench.tool()->property("dpWindowFlags");
+    const QVariant flags = rig.tool()->property("dpWindowFlags");
     QCOMPARE(flags.userType(), static_cast<int>(QMetaType::UInt));
     QCOMPARE(flags.toUInt(), 18u);
-    const QVariant noAnimation = bench.tool()->property("dpNoAnimate");
+    const QVariant noAnimation = rig.tool()->property("dpNoAnimate");
     QCOMPARE(noAnimation.userType(), static_cast<int>(QMetaType::Bool));
     QVERIFY(noAnimation.toBool());
-    QCOMPARE(bench.widget<QWidget>("btnShowPosition")->property("Tool"),
+    QCOMPARE(rig.widget<QWidget>("btnShowPosition")->property("Tool"),
              QVariant(QStringLiteral("Position mode")));
-    QCOMPARE(bench.widget<QWidget>("btnShowRegister")->property("Tool"),
+    QCOMPARE(rig.widget<QWidget>("btnShowRegister")->property("Tool"),
              QVariant(QStringLiteral("Register browser")));
 }
 
 void ToolSetupTest::newToolForcesFrenchNumbers()
 {
     QLocale::setDefault(QLocale::c());
-    ToolBench bench;
+    ToolRig rig;
     QCOMPARE(QLocale(), QLocale(QLocale::French, QLocale::France));
-    QVERIFY(bench.chart()->localizeNumbers());
+    QVERIFY(rig.chart()->localizeNumbers());
 }
 
 void ToolSetupTest::setUpKeepsItsOrder()
@@ -129,7 +129,7 @@ void ToolSetupTest::setUpKeepsItsOrder()
         steps << widget->objectName() + QLatin1Char(' ') + QString::fromLatin1(property);
         look(widget->window(), property);
     });
-    ToolBench bench;
+    ToolRig rig;
     const QString tool = QStringLiteral("SynchronisedDriveTool ");
     const QStringList expected{
         tool + QStringLiteral("locale"), tool + QStringLiteral("dpWindowFlags"),
@@ -145,8 +145,8 @@ void ToolSetupTest::setUpKeepsItsOrder()
 
 void ToolSetupTest::clonesAreIndependent()
 {
-    ToolBench one(0);
-    ToolBench two(1);
+    ToolRig one(0);
+    ToolRig two(1);
     QVERIFY(one.tool() != two.tool());
     QVERIFY(one.chart() != two.chart());
     one.tool()->showPlugin();
@@ -173,53 +173,53 @@ void ToolSetupTest::clonesAreIndependent()
 
 void ToolSetupTest::panelSlotsAreConnectedOnce()
 {
-    ToolBench bench;
-    bench.show();
-    bench.link.takeCalls();
-    bench.widget<QToolButton>("pbStop")->click();
+    ToolRig rig;
+    rig.show();
+    rig.link.takeCalls();
+    rig.widget<QToolButton>("pbStop")->click();
     const QStringList stop{QStringLiteral("write M0_XTARGET m0 0"),
                            QStringLiteral("write M1_XTARGET m0 0"),
                            QStringLiteral("write RAMPMODE m0 0")};
-    QCOMPARE(bench.takeWrites(), stop);
-    bench.widget<QToolButton>("pbStart")->click();
-    QCOMPARE(bench.takeWrites().filter(QStringLiteral("RAMPMODE m0 768")).size(), 1);
+    QCOMPARE(rig.takeWrites(), stop);
+    rig.widget<QToolButton>("pbStart")->click();
+    QCOMPARE(rig.takeWrites().filter(QStringLiteral("RAMPMODE m0 768")).size(), 1);
 
     int requests = 0;
-    connect(bench.tool(), &PluginInterface::signalDeviceTreeOperation, this,
+    connect(rig.tool(), &PluginInterface::signalDeviceTreeOperation, this,
             [&requests] { ++requests; });
     for (const char *name : {"btnShowRegister", "btnShowPosition"}) {
-        auto *button = bench.widget<QAbstractButton>(name);
+        auto *button = rig.widget<QAbstractButton>(name);
         button->setEnabled(true);
         button->click();
     }
     QCOMPARE(requests, 1 + 2);
 
     // An odd value shows that each limit has its own handler.
-    bench.setLimits(-1000, 1000, -2000, 2000);
-    QCOMPARE(bench.limits(), QStringLiteral("-1024 1024 -2048 2048"));
-    bench.widget<QAbstractButton>("btnZoomIn")->click();
-    const int narrowed = bench.widget<QSpinBox>("spM0max")->value();
+    rig.setLimits(-1000, 1000, -2000, 2000);
+    QCOMPARE(rig.limits(), QStringLiteral("-1024 1024 -2048 2048"));
+    rig.widget<QAbstractButton>("btnZoomIn")->click();
+    const int narrowed = rig.widget<QSpinBox>("spM0max")->value();
     QVERIFY(narrowed < 1024);
-    bench.widget<QAbstractButton>("btnZoomOut")->click();
-    QVERIFY(bench.widget<QSpinBox>("spM0max")->value() > narrowed);
-    bench.widget<QAbstractButton>("btnClearTraces")->click();
-    QCOMPARE(bench.trace()->count(), 1);
+    rig.widget<QAbstractButton>("btnZoomOut")->click();
+    QVERIFY(rig.widget<QSpinBox>("spM0max")->value() > narrowed);
+    rig.widget<QAbstractButton>("btnClearTraces")->click();
+    QCOMPARE(rig.trace()->count(), 1);
 
-    QTest::mouseClick(bench.view()->viewport(), Qt::LeftButton, {}, bench.pixelOf(QPointF(100, 0)));
-    QVERIFY(bench.target()->at(0) != QPointF(0, 0));
+    QTest::mouseClick(rig.view()->viewport(), Qt::LeftButton, {}, rig.pixelOf(QPointF(100, 0)));
+    QVERIFY(rig.target()->at(0) != QPointF(0, 0));
 }
 
 void ToolSetupTest::axisRangesReachTheSpinBoxes()
 {
-    ToolBench bench;
-    bench.axisX()->setRange(-512, 768);
-    bench.axisY()->setRange(-1024, 1280);
-    QCOMPARE(bench.limits(), QStringLiteral("-512 768 -1024 1280"));
-    bench.axisX()->setRange(-1e300, 1e300);
-    bench.axisY()->setRange(-1e10, 1e10);
-    QCOMPARE(bench.limits(), QStringLiteral("-8388352 8388352 -8388352 8388352"));
-    QCOMPARE(bench.axisX()->max(), 8388352.0);
-    QCOMPARE(bench.axisY()->min(), -8388352.0);
+    ToolRig rig;
+    rig.axisX()->setRange(-512, 768);
+    rig.axisY()->setRange(-1024, 1280);
+    QCOMPARE(rig.limits(), QStringLiteral("-512 768 -1024 1280"));
+    rig.axisX()->setRange(-1e300, 1e300);
+    rig.axisY()->setRange(-1e10, 1e10);
+    QCOMPARE(rig.limits(), QStringLiteral("-8388352 8388352 -8388352 8388352"));
+    QCOMPARE(rig.axisX()->max(), 8388352.0);
+    QCOMPARE(rig.axisY()->min(), -8388352.0);
 }
 
 QTEST_MAIN(ToolSetupTest)

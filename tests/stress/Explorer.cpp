@@ -1,7 +1,7 @@
 #include "Explorer.h"
 
 #include "FlightDialogs.h"
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -83,7 +83,7 @@ void collectWarnings(QtMsgType type, const QMessageLogContext &context, const QS
 } // namespace
 
 Explorer::Explorer(unsigned int seed)
-    : bench(seed)
+    : rig(seed)
 {
     warnings().clear();
     nextHandler() = qInstallMessageHandler(collectWarnings);
@@ -91,8 +91,8 @@ Explorer::Explorer(unsigned int seed)
 
 Explorer::~Explorer()
 {
-    counts().starts += bench.starts();
-    counts().movesEnded += bench.movesEnded();
+    counts().starts += rig.starts();
+    counts().movesEnded += rig.movesEnded();
     qInstallMessageHandler(nextHandler());
 }
 
@@ -109,26 +109,26 @@ void Explorer::apply(const Event &event)
         return;
     }
     using workbench::FaultKind;
-    const bool hadSpin = bench.faulty.isOn(FaultKind::Spin);
+    const bool hadSpin = rig.faulty.isOn(FaultKind::Spin);
     const bool isNesting = nested.has_value();
     wasUpdate = event.kind == Event::Update && !hadSpin && !isNesting;
     if (isNesting) {
-        bench.faulty.switchOn(workbench::presetFault(FaultKind::Spin));
-        bench.postInStep(nested->a, [this] { actInside(); });
-        bench.hostSide.keepCounting(true);
+        rig.faulty.switchOn(workbench::presetFault(FaultKind::Spin));
+        rig.postInStep(nested->a, [this] { actInside(); });
+        rig.hostSide.keepCounting(true);
     }
     act(event);
-    bench.hostSide.keepCounting(false);
-    bench.hostSide.disarm();
-    QCoreApplication::sendPostedEvents(&bench);
+    rig.hostSide.keepCounting(false);
+    rig.hostSide.disarm();
+    QCoreApplication::sendPostedEvents(&rig);
     if (isNesting && !hadSpin)
-        bench.faulty.switchOff(FaultKind::Spin);
+        rig.faulty.switchOff(FaultKind::Spin);
     // Deleted from inside, the tool is opened again as the host would.
-    if (!bench.tool()) {
+    if (!rig.tool()) {
         counts().deletedInside += event.kind != Event::Reopen;
-        bench.openTool();
+        rig.openTool();
     }
-    hasLostRegisters |= bench.faulty.isOn(FaultKind::DeleteRegisters);
+    hasLostRegisters |= rig.faulty.isOn(FaultKind::DeleteRegisters);
 }
 
 /// In the middle of a request, or right behind the event if that ended before it was its turn.
@@ -137,7 +137,7 @@ void Explorer::actInside()
     const Event inner{static_cast<Event::Kind>(nested->b), 400, 600};
     nested.reset();
     ++counts().nested;
-    if (bench.tool())
+    if (rig.tool())
         act(inner);
 }
 
@@ -169,56 +169,56 @@ void Explorer::actOnTool(const Event &event)
 {
     switch (event.kind) {
     case Event::Sample:
-        return bench.sampleTick();
+        return rig.sampleTick();
     case Event::Update:
-        return bench.updateTick();
+        return rig.updateTick();
     case Event::Round:
-        return bench.round(event.a);
+        return rig.round(event.a);
     case Event::Start:
-        return bench.pressStart();
+        return rig.pressStart();
     case Event::Stop:
-        return bench.pressStop();
+        return rig.pressStop();
     case Event::Limit:
         return setLimit(event);
     case Event::Zoom:
-        return bench.widget<QPushButton>(event.a ? "btnZoomIn" : "btnZoomOut")->click();
+        return rig.widget<QPushButton>(event.a ? "btnZoomIn" : "btnZoomOut")->click();
     case Event::Wheel:
         return wheel(event);
     case Event::Clear:
-        return bench.widget<QPushButton>("btnClearTraces")->click();
+        return rig.widget<QPushButton>("btnClearTraces")->click();
     case Event::TraceLength:
-        return bench.widget<QSpinBox>("spTraces")->setValue(event.a);
+        return rig.widget<QSpinBox>("spTraces")->setValue(event.a);
     case Event::EditRow:
         return editRow(event);
     case Event::RunPath:
-        return bench.runFlightPath();
+        return rig.runFlightPath();
     case Event::Show:
-        return bench.show();
+        return rig.show();
     case Event::Hide:
-        return bench.hide();
+        return rig.hide();
     case Event::Resize:
-        return bench.tool()->resize(700 + event.a * 300, 400 + (event.b & 0xFF));
+        return rig.tool()->resize(700 + event.a * 300, 400 + (event.b & 0xFF));
     default:
-        bench.deleteTool();
+        rig.deleteTool();
     }
 }
 
 void Explorer::actOnModule(const Event &event)
 {
     if (event.kind == Event::Step) {
-        bench.clock.advance(event.a * nsPerMs);
+        rig.clock.advance(event.a * nsPerMs);
     } else if (event.kind == Event::FaultOn) {
         switchOn(event);
     } else if (event.kind == Event::FaultOff) {
-        bench.faulty.switchOff(workbench::faultTable().at(event.a).kind);
+        rig.faulty.switchOff(workbench::faultTable().at(event.a).kind);
     } else if (event.kind == Event::AllFaultsOff) {
-        bench.faulty.switchOffAll();
+        rig.faulty.switchOffAll();
     } else {
         const RegisterChoice &choice = registerChoices[event.a];
         const int value = choice.limit < 0 ? event.b % -choice.limit : qAbs(event.b) % choice.limit;
-        bench.forgetStop();
-        bench.writeFromElsewhere(choice.name, value);
-        bench.forgetStop();
+        rig.forgetStop();
+        rig.writeFromElsewhere(choice.name, value);
+        rig.forgetStop();
     }
 }
 
@@ -238,7 +238,7 @@ void Explorer::switchOn(const Event &event)
         if (info.parameter->isWhole)
             fault.parameter = std::floor(fault.parameter);
     }
-    bench.faulty.switchOn(fault);
+    rig.faulty.switchOn(fault);
 }
 
 void Explorer::setLimit(const Event &event)
@@ -246,22 +246,22 @@ void Explorer::setLimit(const Event &event)
     // Often near the other limit of the axis, where the two have to keep apart.
     int value = event.b;
     if (event.b % 3 == 0)
-        value = bench.widget<QSpinBox>(limitNames[event.a ^ 1])->value() + event.b % 1000;
-    bench.widget<QSpinBox>(limitNames[event.a])->setValue(value);
+        value = rig.widget<QSpinBox>(limitNames[event.a ^ 1])->value() + event.b % 1000;
+    rig.widget<QSpinBox>(limitNames[event.a])->setValue(value);
 }
 
 void Explorer::mouse(const Event &event)
 {
-    const auto *view = bench.view();
+    const auto *view = rig.view();
     const QRectF plot = view->chart()->plotArea();
     const auto at = [&plot](int x, int y) {
         return (plot.topLeft() + QPointF(plot.width() * x, plot.height() * y) / 1000).toPoint();
     };
-    bench.forgetStop();
+    rig.forgetStop();
     const bool isBand = event.kind == Event::Band;
     std::optional<HeldKeys> keys;
     if (isBand)
-        keys.emplace(bench.tool(), Qt::ControlModifier);
+        keys.emplace(rig.tool(), Qt::ControlModifier);
     if (isBand && event.a) {
         mouseStep(QEvent::MouseButtonPress, at(500, 500), Qt::RightButton);
         mouseStep(QEvent::MouseButtonRelease, at(500, 500), Qt::RightButton);
@@ -277,7 +277,7 @@ void Explorer::mouse(const Event &event)
 
 void Explorer::mouseStep(QEvent::Type type, const QPoint &at, Qt::MouseButton button)
 {
-    const auto *view = bench.view();
+    const auto *view = rig.view();
     QMouseEvent event(type, at, at, view->viewport()->mapToGlobal(at),
                       type == QEvent::MouseMove ? Qt::NoButton : button,
                       type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::MouseButtons(button),
@@ -288,19 +288,19 @@ void Explorer::mouseStep(QEvent::Type type, const QPoint &at, Qt::MouseButton bu
 void Explorer::wheel(const Event &event)
 {
     const QPointF at(event.b, event.b / 2);
-    const HeldKeys keys(bench.tool(), Qt::ControlModifier);
+    const HeldKeys keys(rig.tool(), Qt::ControlModifier);
     QWheelEvent turn(at, at, QPoint(), QPoint(0, event.a), Qt::NoButton, Qt::ControlModifier,
                      Qt::NoScrollPhase, false);
-    QCoreApplication::sendEvent(bench.tool(), &turn);
+    QCoreApplication::sendEvent(rig.tool(), &turn);
 }
 
 void Explorer::editRow(const Event &event)
 {
-    auto *input = bench.widget<QSpinBox>(event.a ? "M1_XTARGET_input" : "M0_XTARGET_input");
+    auto *input = rig.widget<QSpinBox>(event.a ? "M1_XTARGET_input" : "M0_XTARGET_input");
     if (!input || !input->isEnabled() || input->isReadOnly())
         return;
-    bench.forgetStop();
-    bench.hostSide.reset();
+    rig.forgetStop();
+    rig.hostSide.reset();
     input->selectAll();
     const QPointer<QSpinBox> guarded(input);
     const QString text = QString::number(event.b % 30000);
@@ -314,18 +314,18 @@ void Explorer::editRow(const Event &event)
         QCoreApplication::sendEvent(input, &confirm);
     // The row's own write reaches the module behind a stop that was pressed in the middle of it,
     // and the marker follows only if it succeeds.
-    bench.forgetStop();
-    bench.forgetWrittenTarget();
+    rig.forgetStop();
+    rig.forgetWrittenTarget();
 }
 
 void Explorer::takePath(const Event &event)
 {
     const QVector<QPointF> points = pathOf(event);
     const bool accepts = event.b % 4 != 0;
-    bench.forgetStop();
+    rig.forgetStop();
     // The length holds before a continuation can look at it.
     if (accepts)
-        bench.pathLength = points.size();
+        rig.pathLength = points.size();
     const auto fill = [&](QDialog *dialog) {
         if (event.kind == Event::LoadPath) {
             loadFile(dialog, fileOf(points));
@@ -335,13 +335,13 @@ void Explorer::takePath(const Event &event)
         auto *preview = qobject_cast<QtCharts::QLineSeries *>(view->chart()->series().value(0));
         preview->replace(points);
     };
-    if (bench.inDialog(fill, accepts))
+    if (rig.inDialog(fill, accepts))
         ++counts().pathsTaken;
 }
 
 QString Explorer::broken()
 {
-    QStringList found = bench.takeViolations() + warnings();
+    QStringList found = rig.takeViolations() + warnings();
     warnings().clear();
     checkSeries(found);
     checkTarget(found);
@@ -353,12 +353,12 @@ QString Explorer::broken()
 /// A target that is not marked as new is the one that was written last.
 void Explorer::checkTarget(QStringList &found) const
 {
-    const auto written = bench.writtenTarget();
-    const bool isNew = bench.series(0)->property("NewPt").toBool();
-    const bool hasRows = bench.registerWidgets().size() == 4;
+    const auto written = rig.writtenTarget();
+    const bool isNew = rig.series(0)->property("NewPt").toBool();
+    const bool hasRows = rig.registerWidgets().size() == 4;
     if (!written || isNew || !hasRows || hasLostRegisters)
         return;
-    if (*written != FaultBench::asTarget(bench.target()))
+    if (*written != FaultRig::asTarget(rig.target()))
         found << QStringLiteral("the target shown was not written, but %1, %2")
                      .arg(written->x())
                      .arg(written->y());
@@ -366,18 +366,17 @@ void Explorer::checkTarget(QStringList &found) const
 
 void Explorer::checkSeries(QStringList &found) const
 {
-    if (bench.series(0)->count() != 1 || bench.series(1)->count() != 1) {
+    if (rig.series(0)->count() != 1 || rig.series(1)->count() != 1) {
         found << QStringLiteral("target or actual position is not one point");
         return;
     }
-    for (const QPointF &point : {bench.target(), bench.actual()}) {
+    for (const QPointF &point : {rig.target(), rig.actual()}) {
         if (!qIsFinite(point.x()) || !qIsFinite(point.y()))
             found << QStringLiteral("a position is not finite");
     }
-    const int drawn = bench.series(2)->count();
-    if (wasUpdate && !bench.timerIntervals().isEmpty() &&
-        drawn > bench.widget<QSpinBox>("spTraces")->value() &&
-        bench.timerIntervals() != QList<int>{0})
+    const int drawn = rig.series(2)->count();
+    if (wasUpdate && !rig.timerIntervals().isEmpty() &&
+        drawn > rig.widget<QSpinBox>("spTraces")->value() && rig.timerIntervals() != QList<int>{0})
         found << QStringLiteral("the trace has %1 points").arg(drawn);
     if (drawn == 0)
         found << QStringLiteral("the trace is empty");
@@ -386,16 +385,16 @@ void Explorer::checkSeries(QStringList &found) const
 void Explorer::checkLimits(QStringList &found) const
 {
     for (int axis = 0; axis < 2; ++axis) {
-        const int low = bench.widget<QSpinBox>(limitNames[2 * axis])->value();
-        const int high = bench.widget<QSpinBox>(limitNames[2 * axis + 1])->value();
+        const int low = rig.widget<QSpinBox>(limitNames[2 * axis])->value();
+        const int high = rig.widget<QSpinBox>(limitNames[2 * axis + 1])->value();
         if (low % gridStep != 0 || high % gridStep != 0 || high - low < minimumSpan)
             found << QStringLiteral("limits %1 to %2 of axis %3").arg(low).arg(high).arg(axis);
         // Limits that set each other off may leave a bound tighter than it need be.
-        if (bench.widget<QSpinBox>(limitNames[2 * axis])->maximum() > high - minimumSpan ||
-            bench.widget<QSpinBox>(limitNames[2 * axis + 1])->minimum() < low + minimumSpan)
+        if (rig.widget<QSpinBox>(limitNames[2 * axis])->maximum() > high - minimumSpan ||
+            rig.widget<QSpinBox>(limitNames[2 * axis + 1])->minimum() < low + minimumSpan)
             found << QStringLiteral("the limits of axis %1 could come closer").arg(axis);
         const auto *shown = qobject_cast<QtCharts::QValueAxis *>(
-            bench.view()->chart()->axes(axis == 0 ? Qt::Horizontal : Qt::Vertical).value(0));
+            rig.view()->chart()->axes(axis == 0 ? Qt::Horizontal : Qt::Vertical).value(0));
         if (!qFuzzyCompare(shown->min() + 1e9, low + 1e9) ||
             !qFuzzyCompare(shown->max() + 1e9, high + 1e9))
             found << QStringLiteral("axis %1 shows %2 to %3 and not %4 to %5")
@@ -409,14 +408,14 @@ void Explorer::checkLimits(QStringList &found) const
 
 void Explorer::checkTimers(QStringList &found)
 {
-    const QList<int> intervals = bench.timerIntervals();
+    const QList<int> intervals = rig.timerIntervals();
     const int samples = intervals.count(0);
     const int updates = intervals.count(50) + intervals.count(100);
     if (samples > 1 || updates > 1 || samples + updates != intervals.size())
         found << QStringLiteral("timers of other intervals or more than one of a kind");
-    if (samples > 0 && bench.isIdle())
+    if (samples > 0 && rig.isIdle())
         found << QStringLiteral("sampling while the start button is enabled");
-    if (samples == 0 && !bench.isIdle())
+    if (samples == 0 && !rig.isIdle())
         found << QStringLiteral("a move is not sampled");
 }
 
@@ -424,22 +423,22 @@ QString Explorer::brokenAtTheEnd()
 {
     if (hasLostRegisters)
         return QString();
-    bench.faulty.switchOffAll();
-    const bool hasRows = bench.registerWidgets().size() == 4;
-    bench.show();
-    bench.rounds(2);
-    bench.repairRamps();
-    bench.pressStop();
-    if (!bench.settle())
+    rig.faulty.switchOffAll();
+    const bool hasRows = rig.registerWidgets().size() == 4;
+    rig.show();
+    rig.rounds(2);
+    rig.repairRamps();
+    rig.pressStop();
+    if (!rig.settle())
         return QStringLiteral("the start button stays disabled");
-    if (!bench.chipComesToRest())
+    if (!rig.chipComesToRest())
         return QStringLiteral("the axes do not come to rest");
     if (!hasRows)
-        return bench.takeViolations().join(QStringLiteral("; "));
+        return rig.takeViolations().join(QStringLiteral("; "));
     const QPointF goal(1234, -777);
-    bench.pick(goal);
-    bench.pressStart();
-    if (!bench.settle() || bench.chipPosition() != goal.toPoint() || bench.actual() != goal)
+    rig.pick(goal);
+    rig.pressStart();
+    if (!rig.settle() || rig.chipPosition() != goal.toPoint() || rig.actual() != goal)
         return QStringLiteral("a new move does not arrive");
-    return bench.takeViolations().join(QStringLiteral("; "));
+    return rig.takeViolations().join(QStringLiteral("; "));
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FaultBench.h"
+#include "FaultRig.h"
 
 #include <QVector>
 
@@ -99,7 +99,7 @@ private:
     void checkLimits(QStringList &found) const;
     void checkTimers(QStringList &found);
 
-    FaultBench bench;
+    FaultRig rig;
     bool hasLostRegisters = false;
     bool wasUpdate = false;
     std::optional<ExplorerEvent> nested; ///< waits for an event that makes enough requests

@@ -2,63 +2,63 @@
 
 #include <QTest>
 
-void enter(FaultBench &bench, State state)
+void enter(FaultRig &rig, State state)
 {
-    bench.setLimits(8192);
-    bench.show();
-    bench.rounds(2);
+    rig.setLimits(8192);
+    rig.show();
+    rig.rounds(2);
     if (state == Idle || state == DialogOpen)
         return;
     if (state == FlightPathRunning) {
-        bench.runFlightPath();
-        bench.rounds(60);
+        rig.runFlightPath();
+        rig.rounds(60);
         return;
     }
-    bench.pick(firstTarget);
+    rig.pick(firstTarget);
     if (state == Picked)
         return;
-    bench.pressStart();
-    bench.rounds(10);
+    rig.pressStart();
+    rig.rounds(10);
     if (state == Retargeted)
-        bench.pick(secondTarget);
+        rig.pick(secondTarget);
     if (state == Stopping)
-        bench.pressStop();
+        rig.pressStop();
     if (state == Hidden)
-        bench.hide();
+        rig.hide();
     if (state == Arrived) {
-        while (bench.chipPosition() != firstTarget.toPoint())
-            bench.round();
-        bench.sampleTick();
-        bench.updateTick();
+        while (rig.chipPosition() != firstTarget.toPoint())
+            rig.round();
+        rig.sampleTick();
+        rig.updateTick();
     }
 }
 
-void verifyMove(FaultBench &bench, const QPointF &to)
+void verifyMove(FaultRig &rig, const QPointF &to)
 {
-    bench.pick(to);
-    bench.pressStart();
-    QVERIFY(!bench.isIdle());
-    QVERIFY(bench.settle());
-    QCOMPARE(bench.chipPosition(), to.toPoint());
-    QCOMPARE(bench.actual(), to);
-    QCOMPARE(bench.timerIntervals(), QList<int>{100});
-    VERIFY_CLEAN(bench);
+    rig.pick(to);
+    rig.pressStart();
+    QVERIFY(!rig.isIdle());
+    QVERIFY(rig.settle());
+    QCOMPARE(rig.chipPosition(), to.toPoint());
+    QCOMPARE(rig.actual(), to);
+    QCOMPARE(rig.timerIntervals(), QList<int>{100});
+    VERIFY_CLEAN(rig);
 }
 
-void recover(FaultBench &bench)
+void recover(FaultRig &rig)
 {
-    bench.faulty.switchOffAll();
-    if (!bench.tool()->isVisible())
-        bench.show();
-    bench.rounds(2);
-    if (!bench.isIdle())
-        bench.pressStop();
-    QVERIFY(bench.settle());
-    QVERIFY(bench.chipComesToRest());
-    VERIFY_CLEAN(bench);
+    rig.faulty.switchOffAll();
+    if (!rig.tool()->isVisible())
+        rig.show();
+    rig.rounds(2);
+    if (!rig.isIdle())
+        rig.pressStop();
+    QVERIFY(rig.settle());
+    QVERIFY(rig.chipComesToRest());
+    VERIFY_CLEAN(rig);
     // A velocity that was misread, or held at 0 when a request got lost, is the person's to set
     // again: the tool marks it and writes back what it reads.
-    bench.repairRamps();
-    verifyMove(bench, lastTarget);
-    verifyMove(bench, QPointF(-17, 40));
+    rig.repairRamps();
+    verifyMove(rig, lastTarget);
+    verifyMove(rig, QPointF(-17, 40));
 }

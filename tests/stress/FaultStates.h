@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FaultBench.h"
+#include "FaultRig.h"
 
 #include <QPointF>
 
@@ -27,12 +27,12 @@ inline const QPointF firstTarget(2500, -1500);
 inline const QPointF secondTarget(-1200, 900);
 inline const QPointF lastTarget(3001, 2003);
 
-/// Brings the tool of a fresh bench into a state. For DialogOpen it leaves the tool idle: the
+/// Brings the tool of a fresh rig into a state. For DialogOpen it leaves the tool idle: the
 /// dialog is the test's to open. BeingDeleted is no state to begin with.
-void enter(FaultBench &bench, State state);
+void enter(FaultRig &rig, State state);
 
 /// A move from standstill that arrives, with nothing left running behind it.
-void verifyMove(FaultBench &bench, const QPointF &to);
+void verifyMove(FaultRig &rig, const QPointF &to);
 
 /// Behind the fault: standstill by a press of Stop at most, then a new move of the same tool.
-void recover(FaultBench &bench);
+void recover(FaultRig &rig);

@@ -136,19 +136,19 @@ TraceEvents traceEventsOf(unsigned int number)
 TracePair::TracePair(bool fixedPlotArea)
     : isFixed(fixedPlotArea)
 {
-    bench.show();
+    rig.show();
     // Such a velocity never ends the move.
-    bench.setRegister(QStringLiteral("M0_VACTUAL"), 5);
-    bench.call("on_pbStart_clicked");
+    rig.setRegister(QStringLiteral("M0_VACTUAL"), 5);
+    rig.call("on_pbStart_clicked");
     model.show({0, 0});
     model.start();
-    model.view()->resize(bench.view()->size());
+    model.view()->resize(rig.view()->size());
     model.view()->show();
     if (isFixed) {
         setPlotArea(QRectF(60, 20, 500, 400));
         // Labels take most of the time, and nothing depends on them now.
         for (QtCharts::QValueAxis *axis :
-             {bench.axisX(), bench.axisY(), model.valueAxis(0), model.valueAxis(1)}) {
+             {rig.axisX(), rig.axisY(), model.valueAxis(0), model.valueAxis(1)}) {
             axis->setLabelsVisible(false);
             axis->setTitleVisible(false);
             axis->setTickCount(fewestTicks);
@@ -160,19 +160,19 @@ TracePair::TracePair(bool fixedPlotArea)
 
 void TracePair::setPlotArea(const QRectF &area)
 {
-    bench.chart()->setPlotArea(area);
+    rig.chart()->setPlotArea(area);
     model.chart()->setPlotArea(area);
 }
 
 void TracePair::adoptSize()
 {
-    if (model.view()->size() != bench.view()->size())
-        model.view()->resize(bench.view()->size());
+    if (model.view()->size() != rig.view()->size())
+        model.view()->resize(rig.view()->size());
 }
 
 QPoint TracePair::anyPixel(Random &random, int beyond) const
 {
-    const QRect plot = bench.chart()->plotArea().toAlignedRect();
+    const QRect plot = rig.chart()->plotArea().toAlignedRect();
     return {between(random, plot.left() - beyond, plot.right() + beyond),
             between(random, plot.top() - beyond, plot.bottom() + beyond)};
 }
@@ -185,22 +185,22 @@ void TracePair::apply(const TraceEvent &event)
         samples(event);
         break;
     case TraceEvent::Tick:
-        bench.updateTick();
+        rig.updateTick();
         model.updateTick();
         break;
     case TraceEvent::Button:
-        bench.widget<QPushButton>(event.a ? "btnZoomIn" : "btnZoomOut")->click();
+        rig.widget<QPushButton>(event.a ? "btnZoomIn" : "btnZoomOut")->click();
         model.zoom(event.a != 0);
         break;
     case TraceEvent::Wheel:
         wheel(event);
         break;
     case TraceEvent::Limit:
-        bench.widget<QSpinBox>(limitNames[event.a])->setValue(event.b);
+        rig.widget<QSpinBox>(limitNames[event.a])->setValue(event.b);
         model.limit(event.a / 2, event.a % 2 != 0)->setValue(event.b);
         break;
     case TraceEvent::Length:
-        bench.widget<QSpinBox>("spTraces")->setValue(event.a);
+        rig.widget<QSpinBox>("spTraces")->setValue(event.a);
         model.setTraceLength(event.a);
         break;
     case TraceEvent::Press:
@@ -209,7 +209,7 @@ void TracePair::apply(const TraceEvent &event)
         mouse(event);
         break;
     case TraceEvent::Clear:
-        bench.widget<QPushButton>("btnClearTraces")->click();
+        rig.widget<QPushButton>("btnClearTraces")->click();
         model.clear();
         break;
     case TraceEvent::PlotArea:
@@ -217,35 +217,35 @@ void TracePair::apply(const TraceEvent &event)
             setPlotArea(anyPlotArea(random, event.a != 0));
         break;
     case TraceEvent::Resize:
-        bench.tool()->resize(between(random, 700, 1300), between(random, 400, 900));
+        rig.tool()->resize(between(random, 700, 1300), between(random, 400, 900));
         break;
     case TraceEvent::Hide:
     case TraceEvent::Show:
         showOrHide(event.kind == TraceEvent::Show);
         break;
     case TraceEvent::Start:
-        bench.call("on_pbStart_clicked");
+        rig.call("on_pbStart_clicked");
         model.start();
         break;
     default:
         QCoreApplication::sendPostedEvents();
     }
     adoptSize();
-    bench.link.calls.clear();
+    rig.link.calls.clear();
 }
 
 void TracePair::showOrHide(bool isShown)
 {
     if (!isShown) {
-        bench.tool()->hide();
-        bench.tool()->hidePlugin();
+        rig.tool()->hide();
+        rig.tool()->hidePlugin();
         model.hide();
         return;
     }
-    bench.link.position0 = position.x();
-    bench.link.position1 = position.y();
-    bench.tool()->show();
-    bench.tool()->showPlugin();
+    rig.link.position0 = position.x();
+    rig.link.position1 = position.y();
+    rig.tool()->show();
+    rig.tool()->showPlugin();
     model.show(position);
 }
 
@@ -257,7 +257,7 @@ void TracePair::samples(const TraceEvent &event)
             return qBound(-farthest, from + between(random, -event.b, event.b), farthest);
         };
         position = {step(position.x()), step(position.y())};
-        bench.sample(position.x(), position.y());
+        rig.sample(position.x(), position.y());
         model.sample(position);
     }
 }
@@ -266,23 +266,23 @@ void TracePair::wheel(const TraceEvent &event)
 {
     Random random(event.seed);
     const QPoint at = anyPixel(random, 100);
-    const HeldKeys keys(bench.tool(), Qt::ControlModifier);
+    const HeldKeys keys(rig.tool(), Qt::ControlModifier);
     QWheelEvent turn(at, at, QPoint(), QPoint(0, event.a ? 120 : -120), Qt::NoButton,
                      Qt::ControlModifier, Qt::NoScrollPhase, false);
-    QCoreApplication::sendEvent(bench.tool(), &turn);
+    QCoreApplication::sendEvent(rig.tool(), &turn);
     model.zoom(event.a != 0, at);
 }
 
 void TracePair::mouse(const TraceEvent &event)
 {
     // An invisible view zooms into no rectangle; the model's is always visible.
-    if (!bench.view()->isVisible())
+    if (!rig.view()->isVisible())
         return;
     Random random(event.seed);
     std::optional<HeldKeys> keys;
     Qt::MouseButton button = Qt::LeftButton;
     if (event.kind == TraceEvent::Band) {
-        keys.emplace(bench.tool(), Qt::ControlModifier);
+        keys.emplace(rig.tool(), Qt::ControlModifier);
         if (event.a)
             button = Qt::RightButton;
     }
@@ -297,7 +297,7 @@ void TracePair::mouse(const TraceEvent &event)
 
 void TracePair::mouseStep(QEvent::Type type, const QPoint &at, Qt::MouseButton button)
 {
-    for (QtCharts::QChartView *view : {bench.view(), model.view()}) {
+    for (QtCharts::QChartView *view : {rig.view(), model.view()}) {
         QMouseEvent event(type, at, at, view->viewport()->mapToGlobal(at),
                           type == QEvent::MouseMove ? Qt::NoButton : button,
                           type == QEvent::MouseButtonRelease ? Qt::NoButton
@@ -310,19 +310,19 @@ void TracePair::mouseStep(QEvent::Type type, const QPoint &at, Qt::MouseButton b
 QString TracePair::difference()
 {
     QString all;
-    if (!isSame(bench.trace()->pointsVector(), model.trace))
+    if (!isSame(rig.trace()->pointsVector(), model.trace))
         all += QStringLiteral("trace: %1 and not %2; ")
-                   .arg(textOf(bench.trace()->pointsVector()), textOf(model.trace));
+                   .arg(textOf(rig.trace()->pointsVector()), textOf(model.trace));
     all +=
-        compared("plot area", textOf(bench.chart()->plotArea()), textOf(model.chart()->plotArea()));
-    all += compared("horizontal axis", textOf(bench.axisX()), textOf(model.valueAxis(0)));
-    all += compared("vertical axis", textOf(bench.axisY()), textOf(model.valueAxis(1)));
+        compared("plot area", textOf(rig.chart()->plotArea()), textOf(model.chart()->plotArea()));
+    all += compared("horizontal axis", textOf(rig.axisX()), textOf(model.valueAxis(0)));
+    all += compared("vertical axis", textOf(rig.axisY()), textOf(model.valueAxis(1)));
     for (int i = 0; i < 4; ++i)
-        all += compared(limitNames[i], textOf(bench.widget<QSpinBox>(limitNames[i])),
+        all += compared(limitNames[i], textOf(rig.widget<QSpinBox>(limitNames[i])),
                         textOf(model.limit(i / 2, i % 2 != 0)));
-    all += compared("target", textOf(bench.target()->pointsVector()),
+    all += compared("target", textOf(rig.target()->pointsVector()),
                     textOf(model.target->pointsVector()));
-    all += compared("actual", textOf(bench.actual()->pointsVector()),
+    all += compared("actual", textOf(rig.actual()->pointsVector()),
                     textOf(model.actual->pointsVector()));
     return all;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ToolBench.h"
+#include "ToolRig.h"
 #include "TraceModel.h"
 
 #include <QRectF>
@@ -54,7 +54,7 @@ public:
     /// Where tool and model differ; nothing when they do not.
     QString difference();
 
-    ToolBench bench;
+    ToolRig rig;
     TraceModel model;
 
 private:

@@ -18,27 +18,27 @@ bool losesBindings(FaultKind kind)
 }
 
 /// A person at the panel, whatever that shows.
-void workOn(FaultBench &bench)
+void workOn(FaultRig &rig)
 {
-    bench.rounds(20);
-    bench.pick(secondTarget);
-    bench.rounds(5);
-    bench.pressStart();
-    bench.rounds(20);
-    bench.pick(firstTarget);
-    bench.rounds(5);
+    rig.rounds(20);
+    rig.pick(secondTarget);
+    rig.rounds(5);
+    rig.pressStart();
+    rig.rounds(20);
+    rig.pick(firstTarget);
+    rig.rounds(5);
 }
 
 /// Counts which writes of the targets get through to the chip.
 class TargetWrites
 {
 public:
-    explicit TargetWrites(FaultBench &bench)
-        : link(bench.chipSide)
+    explicit TargetWrites(FaultRig &rig)
+        : link(rig.chipSide)
     {
-        link.beforeWrite = [this, &bench](unsigned int at, int) {
-            has[0] = has[0] || bench.axisRegisters().target[0] == at;
-            has[1] = has[1] || bench.axisRegisters().target[1] == at;
+        link.beforeWrite = [this, &rig](unsigned int at, int) {
+            has[0] = has[0] || rig.axisRegisters().target[0] == at;
+            has[1] = has[1] || rig.axisRegisters().target[1] == at;
         };
     }
     ~TargetWrites() { link.beforeWrite = nullptr; }
@@ -50,67 +50,67 @@ private:
 };
 
 /// Stop under the fault: where it gets through, the axes stop, if at a place that was misread.
-void stopUnderFault(FaultBench &bench)
+void stopUnderFault(FaultRig &rig)
 {
     bool hasArrived = false;
     {
-        const TargetWrites writes(bench);
-        bench.pressStop();
+        const TargetWrites writes(rig);
+        rig.pressStop();
         hasArrived = writes.areBoth();
     }
-    bench.rounds(30);
+    rig.rounds(30);
     if (hasArrived)
-        QVERIFY(bench.chipComesToRest());
-    VERIFY_CLEAN(bench);
+        QVERIFY(rig.chipComesToRest());
+    VERIFY_CLEAN(rig);
 }
 
 /// What is left when the bindings are gone: no request that needs one, a panel that answers.
-void verifyPanelAnswers(FaultBench &bench)
+void verifyPanelAnswers(FaultRig &rig)
 {
-    bench.faulty.switchOffAll();
-    bench.rounds(30);
-    bench.pick(secondTarget);
-    QCOMPARE(bench.target(), secondTarget);
-    bench.pressStart();
-    bench.rounds(5);
-    bench.pressStop();
-    QCOMPARE(bench.target(), bench.actual());
-    bench.widget<QSpinBox>("spM0max")->setValue(1024);
-    bench.widget<QPushButton>("btnClearTraces")->click();
-    bench.hide();
-    bench.show();
-    bench.rounds(5);
-    VERIFY_CLEAN(bench);
+    rig.faulty.switchOffAll();
+    rig.rounds(30);
+    rig.pick(secondTarget);
+    QCOMPARE(rig.target(), secondTarget);
+    rig.pressStart();
+    rig.rounds(5);
+    rig.pressStop();
+    QCOMPARE(rig.target(), rig.actual());
+    rig.widget<QSpinBox>("spM0max")->setValue(1024);
+    rig.widget<QPushButton>("btnClearTraces")->click();
+    rig.hide();
+    rig.show();
+    rig.rounds(5);
+    VERIFY_CLEAN(rig);
 }
 
-void recoverWithoutBindings(FaultBench &bench, FaultKind kind)
+void recoverWithoutBindings(FaultRig &rig, FaultKind kind)
 {
-    verifyPanelAnswers(bench);
+    verifyPanelAnswers(rig);
     if (kind != FaultKind::DeleteWidgets)
         return;
     // The velocities are still there to be read, and the registers for the next tool.
-    QVERIFY(bench.settle());
-    bench.openTool();
-    bench.setLimits(8192);
-    bench.show();
-    bench.rounds(1);
-    QVERIFY(bench.chipComesToRest());
-    bench.repairRamps();
-    verifyMove(bench, lastTarget);
+    QVERIFY(rig.settle());
+    rig.openTool();
+    rig.setLimits(8192);
+    rig.show();
+    rig.rounds(1);
+    QVERIFY(rig.chipComesToRest());
+    rig.repairRamps();
+    verifyMove(rig, lastTarget);
 }
 
 /// Events that get in wherever a request lets them.
-void nestTicks(FaultBench &bench)
+void nestTicks(FaultRig &rig)
 {
-    bench.hostSide.inRequest = [&bench](int number) {
+    rig.hostSide.inRequest = [&rig](int number) {
         const bool isUpdate = number % 2 != 0;
         QMetaObject::invokeMethod(
-            &bench,
-            [&bench, isUpdate] {
+            &rig,
+            [&rig, isUpdate] {
                 if (isUpdate)
-                    bench.updateTick();
+                    rig.updateTick();
                 else
-                    bench.sampleTick();
+                    rig.sampleTick();
             },
             Qt::QueuedConnection);
     };
@@ -119,74 +119,74 @@ void nestTicks(FaultBench &bench)
 struct DeletionPlace
 {
     const char *name;
-    std::function<void(FaultBench &)> act;
+    std::function<void(FaultRig &)> act;
 };
 
 const QVector<DeletionPlace> &deletionPlaces()
 {
     static const QVector<DeletionPlace> places{
-        {"start", [](FaultBench &bench) { bench.pressStart(); }},
-        {"stop", [](FaultBench &bench) { bench.pressStop(); }},
-        {"sample", [](FaultBench &bench) { bench.sampleTick(); }},
-        {"update", [](FaultBench &bench) { bench.updateTick(); }},
-        {"show", [](FaultBench &bench) { bench.tool()->showPlugin(); }},
-        {"run", [](FaultBench &bench) { bench.runFlightPath(); }},
+        {"start", [](FaultRig &rig) { rig.pressStart(); }},
+        {"stop", [](FaultRig &rig) { rig.pressStop(); }},
+        {"sample", [](FaultRig &rig) { rig.sampleTick(); }},
+        {"update", [](FaultRig &rig) { rig.updateTick(); }},
+        {"show", [](FaultRig &rig) { rig.tool()->showPlugin(); }},
+        {"run", [](FaultRig &rig) { rig.runFlightPath(); }},
     };
     return places;
 }
 
 /// The tool is deleted in the n-th request of what goes on; false when that makes fewer requests.
-bool deleteDuring(FaultBench &bench, const DeletionPlace &place, int request, const Fault &fault)
+bool deleteDuring(FaultRig &rig, const DeletionPlace &place, int request, const Fault &fault)
 {
-    bench.openTool();
-    bench.show();
-    bench.rounds(1);
-    bench.pick(request % 2 != 0 ? firstTarget : secondTarget);
+    rig.openTool();
+    rig.show();
+    rig.rounds(1);
+    rig.pick(request % 2 != 0 ? firstTarget : secondTarget);
     const bool startsByItself =
         qstrcmp(place.name, "start") == 0 || qstrcmp(place.name, "run") == 0;
     if (!startsByItself) {
-        bench.pressStart();
-        bench.rounds(2);
-        bench.pick(lastTarget);
+        rig.pressStart();
+        rig.rounds(2);
+        rig.pick(lastTarget);
     }
-    bench.faulty.switchOn(fault);
-    const auto remove = [&bench] { bench.deleteTool(); };
+    rig.faulty.switchOn(fault);
+    const auto remove = [&rig] { rig.deleteTool(); };
     if (fault.kind == FaultKind::Spin)
-        bench.postInStep(request, remove);
+        rig.postInStep(request, remove);
     else
-        bench.callInRequest(request, remove);
-    place.act(bench);
-    bench.hostSide.disarm();
-    return !bench.tool();
+        rig.callInRequest(request, remove);
+    place.act(rig);
+    rig.hostSide.disarm();
+    return !rig.tool();
 }
 
 void verifyDeletions(const Fault &fault)
 {
     // After the host has deleted its registers, requests that need one are not made.
     const bool needsFresh = fault.kind == FaultKind::DeleteRegisters;
-    auto bench = std::make_unique<FaultBench>();
+    auto rig = std::make_unique<FaultRig>();
     int deletions = 0;
     for (const DeletionPlace &place : deletionPlaces()) {
         for (int request = 0; request < 12; ++request) {
             if (needsFresh)
-                bench = std::make_unique<FaultBench>();
-            if (!deleteDuring(*bench, place, request, fault))
+                rig = std::make_unique<FaultRig>();
+            if (!deleteDuring(*rig, place, request, fault))
                 break;
             ++deletions;
-            bench->faulty.switchOffAll();
-            VERIFY_CLEAN(*bench);
+            rig->faulty.switchOffAll();
+            VERIFY_CLEAN(*rig);
         }
-        bench->faulty.switchOffAll();
+        rig->faulty.switchOffAll();
     }
     QVERIFY(deletions > 0);
     if (needsFresh)
         return;
-    bench->openTool();
-    bench->setLimits(8192);
-    bench->show();
-    bench->rounds(1);
-    QVERIFY(bench->chipComesToRest());
-    recover(*bench);
+    rig->openTool();
+    rig->setLimits(8192);
+    rig->show();
+    rig->rounds(1);
+    QVERIFY(rig->chipComesToRest());
+    recover(*rig);
 }
 
 } // namespace
@@ -222,25 +222,25 @@ void FaultMatrixTest::faultPassesAndTheNextMoveArrives()
         verifyDeletions(fault);
         return;
     }
-    FaultBench bench;
-    enter(bench, static_cast<State>(state));
-    VERIFY_CLEAN(bench);
-    bench.faulty.switchOn(fault);
+    FaultRig rig;
+    enter(rig, static_cast<State>(state));
+    VERIFY_CLEAN(rig);
+    rig.faulty.switchOn(fault);
     if (fault.kind == FaultKind::Spin)
-        nestTicks(bench);
+        nestTicks(rig);
     if (state == DialogOpen) {
-        QVERIFY(bench.inDialog([&](QDialog *) { workOn(bench); }, kind % 2 != 0));
+        QVERIFY(rig.inDialog([&](QDialog *) { workOn(rig); }, kind % 2 != 0));
     } else {
-        workOn(bench);
+        workOn(rig);
     }
-    VERIFY_CLEAN(bench);
-    stopUnderFault(bench);
-    bench.hostSide.disarm();
-    QVERIFY(bench.tool());
+    VERIFY_CLEAN(rig);
+    stopUnderFault(rig);
+    rig.hostSide.disarm();
+    QVERIFY(rig.tool());
     if (losesBindings(fault.kind))
-        recoverWithoutBindings(bench, fault.kind);
+        recoverWithoutBindings(rig, fault.kind);
     else
-        recover(bench);
+        recover(rig);
 }
 
 QTEST_MAIN(FaultMatrixTest)

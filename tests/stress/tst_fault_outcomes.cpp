@@ -27,127 +27,127 @@ private slots:
 
 void FaultOutcomesTest::failedVelocityReadsDoNotEndAMove()
 {
-    FaultBench bench;
-    enter(bench, Moving);
-    bench.faulty.switchOn(workbench::presetFault(FaultKind::FailReads));
-    bench.rounds(200);
-    QCOMPARE(bench.chipPosition(), firstTarget.toPoint());
-    QVERIFY(!bench.isIdle());
-    QCOMPARE(bench.timerIntervals(), (QList<int>{0, 50}));
-    bench.faulty.switchOffAll();
-    bench.rounds(1);
-    QVERIFY(bench.isIdle());
+    FaultRig rig;
+    enter(rig, Moving);
+    rig.faulty.switchOn(workbench::presetFault(FaultKind::FailReads));
+    rig.rounds(200);
+    QCOMPARE(rig.chipPosition(), firstTarget.toPoint());
+    QVERIFY(!rig.isIdle());
+    QCOMPARE(rig.timerIntervals(), (QList<int>{0, 50}));
+    rig.faulty.switchOffAll();
+    rig.rounds(1);
+    QVERIFY(rig.isIdle());
 }
 
 void FaultOutcomesTest::failedPositionRequestShowsTheRequestItself()
 {
-    FaultBench bench;
-    enter(bench, Moving);
-    bench.faulty.switchOn(workbench::presetFault(FaultKind::FailUser));
-    bench.round();
+    FaultRig rig;
+    enter(rig, Moving);
+    rig.faulty.switchOn(workbench::presetFault(FaultKind::FailUser));
+    rig.round();
     // The bytes sent, 00 and 48, and no reply value: 0x004800 and 0.
-    QCOMPARE(bench.actual(), QPointF(18432, 0));
-    bench.faulty.switchOffAll();
-    bench.round();
-    QCOMPARE(bench.actual(), QPointF(bench.chipPosition()));
+    QCOMPARE(rig.actual(), QPointF(18432, 0));
+    rig.faulty.switchOffAll();
+    rig.round();
+    QCOMPARE(rig.actual(), QPointF(rig.chipPosition()));
 }
 
 void FaultOutcomesTest::stopAfterAFailedPositionRequestDrivesToWhatIsShown()
 {
-    FaultBench bench;
-    enter(bench, Moving);
-    bench.faulty.switchOn(workbench::presetFault(FaultKind::FailUser));
-    bench.round();
-    bench.pressStop();
-    QCOMPARE(bench.chipValue("M0_XTARGET"), 18432);
-    QCOMPARE(bench.chipValue("M1_XTARGET"), 0);
-    bench.faulty.switchOffAll();
+    FaultRig rig;
+    enter(rig, Moving);
+    rig.faulty.switchOn(workbench::presetFault(FaultKind::FailUser));
+    rig.round();
+    rig.pressStop();
+    QCOMPARE(rig.chipValue("M0_XTARGET"), 18432);
+    QCOMPARE(rig.chipValue("M1_XTARGET"), 0);
+    rig.faulty.switchOffAll();
     // Once positions arrive again, Stop once more halts the axes where they are.
-    bench.round();
-    const QPointF here = bench.actual();
+    rig.round();
+    const QPointF here = rig.actual();
     QVERIFY(here.x() < firstTarget.x());
-    bench.pressStop();
-    QCOMPARE(QPoint(bench.chipValue("M0_XTARGET"), bench.chipValue("M1_XTARGET")), here.toPoint());
-    QVERIFY(bench.settle());
-    QCOMPARE(bench.chipPosition(), here.toPoint());
+    rig.pressStop();
+    QCOMPARE(QPoint(rig.chipValue("M0_XTARGET"), rig.chipValue("M1_XTARGET")), here.toPoint());
+    QVERIFY(rig.settle());
+    QCOMPARE(rig.chipPosition(), here.toPoint());
 }
 
 void FaultOutcomesTest::startThatCannotReadTheVelocitiesLeavesThemAtZeroAndTheMarkSaysSo()
 {
-    FaultBench bench;
-    enter(bench, Picked);
-    bench.faulty.switchOn(workbench::presetFault(FaultKind::FailReads));
-    bench.pressStart();
-    bench.faulty.switchOffAll();
-    QVERIFY(bench.settle());
-    QCOMPARE(bench.chipPosition(), QPoint(0, 0));
-    QCOMPARE(bench.chipValue("M0_VMAX"), 0);
-    QCOMPARE(bench.chipValue("M1_VMAX"), 0);
-    bench.tool()->showPlugin();
-    const auto *mark = bench.widget<QWidget>("btnShowPosition");
+    FaultRig rig;
+    enter(rig, Picked);
+    rig.faulty.switchOn(workbench::presetFault(FaultKind::FailReads));
+    rig.pressStart();
+    rig.faulty.switchOffAll();
+    QVERIFY(rig.settle());
+    QCOMPARE(rig.chipPosition(), QPoint(0, 0));
+    QCOMPARE(rig.chipValue("M0_VMAX"), 0);
+    QCOMPARE(rig.chipValue("M1_VMAX"), 0);
+    rig.tool()->showPlugin();
+    const auto *mark = rig.widget<QWidget>("btnShowPosition");
     QCOMPARE(mark->toolTip(), QStringLiteral("Zero settings:\n\nM0_VMAX\n\nM1_VMAX"));
-    bench.pressStart();
-    QVERIFY(bench.settle());
-    QCOMPARE(bench.chipPosition(), QPoint(0, 0));
-    bench.repairRamps();
+    rig.pressStart();
+    QVERIFY(rig.settle());
+    QCOMPARE(rig.chipPosition(), QPoint(0, 0));
+    rig.repairRamps();
     QCOMPARE(mark->toolTip(), QString());
-    verifyMove(bench, lastTarget);
+    verifyMove(rig, lastTarget);
 }
 
 void FaultOutcomesTest::moveWhoseRegistersAreDeletedNeverEnds()
 {
-    FaultBench bench;
-    enter(bench, Moving);
-    bench.faulty.switchOn(workbench::presetFault(FaultKind::DeleteRegisters));
-    bench.rounds(200);
-    QCOMPARE(bench.chipPosition(), firstTarget.toPoint());
-    bench.pressStop();
-    QVERIFY(bench.chipComesToRest());
-    bench.rounds(200);
-    QVERIFY(!bench.isIdle());
-    QCOMPARE(bench.actual(), firstTarget);
+    FaultRig rig;
+    enter(rig, Moving);
+    rig.faulty.switchOn(workbench::presetFault(FaultKind::DeleteRegisters));
+    rig.rounds(200);
+    QCOMPARE(rig.chipPosition(), firstTarget.toPoint());
+    rig.pressStop();
+    QVERIFY(rig.chipComesToRest());
+    rig.rounds(200);
+    QVERIFY(!rig.isIdle());
+    QCOMPARE(rig.actual(), firstTarget);
 }
 
 void FaultOutcomesTest::movesWithoutTargetWidgetsGoToTheOldTarget()
 {
-    FaultBench bench;
-    enter(bench, Moving);
-    bench.faulty.switchOn(workbench::presetFault(FaultKind::DeleteWidgets));
-    bench.pressStop();
-    QVERIFY(bench.settle());
-    QCOMPARE(bench.chipPosition(), firstTarget.toPoint());
-    bench.pick(secondTarget);
-    bench.pressStart();
-    QVERIFY(bench.settle());
-    QCOMPARE(bench.chipPosition(), firstTarget.toPoint());
+    FaultRig rig;
+    enter(rig, Moving);
+    rig.faulty.switchOn(workbench::presetFault(FaultKind::DeleteWidgets));
+    rig.pressStop();
+    QVERIFY(rig.settle());
+    QCOMPARE(rig.chipPosition(), firstTarget.toPoint());
+    rig.pick(secondTarget);
+    rig.pressStart();
+    QVERIFY(rig.settle());
+    QCOMPARE(rig.chipPosition(), firstTarget.toPoint());
 }
 
 void FaultOutcomesTest::longerFlightPathLoadedAfterARunIsDrivenBehindTheNextMove()
 {
-    FaultBench bench;
-    enter(bench, Idle);
-    bench.runFlightPath();
-    for (int i = 0; i < 2000 && !(bench.isIdle() && bench.flightIndex() == 11); ++i)
-        bench.round();
-    QCOMPARE(bench.flightIndex(), 11);
-    QVERIFY(bench.settle());
+    FaultRig rig;
+    enter(rig, Idle);
+    rig.runFlightPath();
+    for (int i = 0; i < 2000 && !(rig.isIdle() && rig.flightIndex() == 11); ++i)
+        rig.round();
+    QCOMPARE(rig.flightIndex(), 11);
+    QVERIFY(rig.settle());
     // As a file with 13 points would, by the preview that the dialog takes over.
-    QVERIFY(bench.inDialog(
+    QVERIFY(rig.inDialog(
         [](QDialog *dialog) {
             auto *view = dialog->findChild<QtCharts::QChartView *>();
             auto *path = qobject_cast<QtCharts::QLineSeries *>(view->chart()->series().value(0));
             path->append(300, 400);
         },
         true));
-    bench.pathLength = 13;
-    const int before = bench.starts();
-    bench.pick(firstTarget);
-    bench.pressStart();
-    for (int i = 0; i < 2000 && bench.flightIndex() == 11; ++i)
-        bench.round();
-    QVERIFY(bench.settle());
-    QCOMPARE(bench.starts(), before + 2);
-    QCOMPARE(bench.chipPosition(), QPoint(300, 400));
+    rig.pathLength = 13;
+    const int before = rig.starts();
+    rig.pick(firstTarget);
+    rig.pressStart();
+    for (int i = 0; i < 2000 && rig.flightIndex() == 11; ++i)
+        rig.round();
+    QVERIFY(rig.settle());
+    QCOMPARE(rig.starts(), before + 2);
+    QCOMPARE(rig.chipPosition(), QPoint(300, 400));
 }
 
 QTEST_MAIN(FaultOutcomesTest)

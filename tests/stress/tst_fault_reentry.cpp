@@ -10,7 +10,7 @@ namespace {
 struct Act
 {
     const char *name;
-    std::function<void(FaultBench &)> act;
+    std::function<void(FaultRig &)> act;
 };
 
 /// What makes requests, with the states in which it does.
@@ -23,11 +23,11 @@ struct Outer
 const QVector<Outer> &outerActs()
 {
     static const QVector<Outer> acts{
-        {{"start", [](FaultBench &bench) { bench.pressStart(); }}, {Idle, Picked}},
-        {{"stop", [](FaultBench &bench) { bench.pressStop(); }}, {Moving, Retargeted, Arrived}},
-        {{"sample", [](FaultBench &bench) { bench.sampleTick(); }}, {Moving, Retargeted, Stopping}},
-        {{"update", [](FaultBench &bench) { bench.updateTick(); }}, {Picked, Retargeted, Arrived}},
-        {{"run", [](FaultBench &bench) { bench.runFlightPath(); }}, {Idle, Picked}},
+        {{"start", [](FaultRig &rig) { rig.pressStart(); }}, {Idle, Picked}},
+        {{"stop", [](FaultRig &rig) { rig.pressStop(); }}, {Moving, Retargeted, Arrived}},
+        {{"sample", [](FaultRig &rig) { rig.sampleTick(); }}, {Moving, Retargeted, Stopping}},
+        {{"update", [](FaultRig &rig) { rig.updateTick(); }}, {Picked, Retargeted, Arrived}},
+        {{"run", [](FaultRig &rig) { rig.runFlightPath(); }}, {Idle, Picked}},
     };
     return acts;
 }
@@ -35,14 +35,14 @@ const QVector<Outer> &outerActs()
 const QVector<Act> &innerActs()
 {
     static const QVector<Act> acts{
-        {"start", [](FaultBench &bench) { bench.pressStart(); }},
-        {"stop", [](FaultBench &bench) { bench.pressStop(); }},
-        {"sample", [](FaultBench &bench) { bench.sampleTick(); }},
-        {"update", [](FaultBench &bench) { bench.updateTick(); }},
-        {"pick", [](FaultBench &bench) { bench.pick(secondTarget); }},
-        {"hide", [](FaultBench &bench) { bench.hide(); }},
-        {"show", [](FaultBench &bench) { bench.show(); }},
-        {"run", [](FaultBench &bench) { bench.runFlightPath(); }},
+        {"start", [](FaultRig &rig) { rig.pressStart(); }},
+        {"stop", [](FaultRig &rig) { rig.pressStop(); }},
+        {"sample", [](FaultRig &rig) { rig.sampleTick(); }},
+        {"update", [](FaultRig &rig) { rig.updateTick(); }},
+        {"pick", [](FaultRig &rig) { rig.pick(secondTarget); }},
+        {"hide", [](FaultRig &rig) { rig.hide(); }},
+        {"show", [](FaultRig &rig) { rig.show(); }},
+        {"run", [](FaultRig &rig) { rig.runFlightPath(); }},
     };
     return acts;
 }
@@ -86,19 +86,19 @@ void FaultReentryTest::eventsInTheMiddleOfARequestLeaveTheToolWhole()
     QFETCH(int, state);
     bool hasActed = true;
     for (int request = 0; hasActed; ++request) {
-        FaultBench bench;
-        enter(bench, static_cast<State>(state));
-        bench.faulty.switchOn(workbench::presetFault(FaultKind::Spin));
+        FaultRig rig;
+        enter(rig, static_cast<State>(state));
+        rig.faulty.switchOn(workbench::presetFault(FaultKind::Spin));
         hasActed = false;
-        bench.postInStep(request, [&] {
+        rig.postInStep(request, [&] {
             hasActed = true;
-            innerActs().at(inner).act(bench);
+            innerActs().at(inner).act(rig);
         });
-        outerActs().at(outer).act.act(bench);
-        bench.hostSide.disarm();
+        outerActs().at(outer).act.act(rig);
+        rig.hostSide.disarm();
         QVERIFY(hasActed || request > 0);
-        bench.rounds(3);
-        recover(bench);
+        rig.rounds(3);
+        recover(rig);
         if (QTest::currentTestFailed())
             return;
     }
@@ -107,17 +107,17 @@ void FaultReentryTest::eventsInTheMiddleOfARequestLeaveTheToolWhole()
 void FaultReentryTest::targetPickedInsideTheNewTargetWriteGoesOutWithTheNextTick()
 {
     for (int request = 0; request < 2; ++request) {
-        FaultBench bench;
-        enter(bench, Retargeted);
-        bench.faulty.switchOn(workbench::presetFault(FaultKind::Spin));
-        bench.postInStep(request, [&] { bench.pick(lastTarget); });
-        bench.updateTick();
-        QCOMPARE(bench.target(), lastTarget);
-        QVERIFY(bench.series(0)->property("NewPt").toBool());
-        bench.updateTick();
-        QCOMPARE(bench.chipValue("M0_XTARGET"), 3001);
-        QCOMPARE(bench.chipValue("M1_XTARGET"), 2003);
-        QVERIFY(!bench.series(0)->property("NewPt").toBool());
+        FaultRig rig;
+        enter(rig, Retargeted);
+        rig.faulty.switchOn(workbench::presetFault(FaultKind::Spin));
+        rig.postInStep(request, [&] { rig.pick(lastTarget); });
+        rig.updateTick();
+        QCOMPARE(rig.target(), lastTarget);
+        QVERIFY(rig.series(0)->property("NewPt").toBool());
+        rig.updateTick();
+        QCOMPARE(rig.chipValue("M0_XTARGET"), 3001);
+        QCOMPARE(rig.chipValue("M1_XTARGET"), 2003);
+        QVERIFY(!rig.series(0)->property("NewPt").toBool());
     }
 }
 
@@ -137,40 +137,40 @@ void FaultReentryTest::stopInsideATargetWriteHasTheLastWord()
 {
     QFETCH(bool, starts);
     QFETCH(int, step);
-    FaultBench bench;
-    enter(bench, starts ? Picked : Retargeted);
-    const QPointF here = bench.actual();
-    bench.faulty.switchOn(workbench::presetFault(FaultKind::Spin));
-    bench.postInStep(step, [&] { bench.pressStop(); });
+    FaultRig rig;
+    enter(rig, starts ? Picked : Retargeted);
+    const QPointF here = rig.actual();
+    rig.faulty.switchOn(workbench::presetFault(FaultKind::Spin));
+    rig.postInStep(step, [&] { rig.pressStop(); });
     if (starts)
-        bench.pressStart();
+        rig.pressStart();
     else
-        bench.updateTick();
-    bench.updateTick();
-    bench.updateTick();
-    QCOMPARE(bench.target(), here);
-    QCOMPARE(QPoint(bench.chipValue("M0_XTARGET"), bench.chipValue("M1_XTARGET")), here.toPoint());
+        rig.updateTick();
+    rig.updateTick();
+    rig.updateTick();
+    QCOMPARE(rig.target(), here);
+    QCOMPARE(QPoint(rig.chipValue("M0_XTARGET"), rig.chipValue("M1_XTARGET")), here.toPoint());
 }
 
 void FaultReentryTest::updateTickInsideAVelocityReadDrivesNoPointTwiceOrNever()
 {
-    FaultBench bench;
-    enter(bench, Idle);
+    FaultRig rig;
+    enter(rig, Idle);
     // From the path's second point to the third only axis 0 moves, so axis 1 is no sign of a move.
-    bench.runFlightPath();
-    while (bench.flightIndex() != 1 || bench.chipPosition() != QPoint(0, 1025))
-        bench.round();
-    bench.sampleTick();
-    const int before = bench.starts();
-    QCOMPARE(bench.flightIndex(), 1);
-    bench.faulty.switchOn(workbench::presetFault(FaultKind::Spin));
-    bench.postInStep(1, [&] { bench.updateTick(); });
+    rig.runFlightPath();
+    while (rig.flightIndex() != 1 || rig.chipPosition() != QPoint(0, 1025))
+        rig.round();
+    rig.sampleTick();
+    const int before = rig.starts();
+    QCOMPARE(rig.flightIndex(), 1);
+    rig.faulty.switchOn(workbench::presetFault(FaultKind::Spin));
+    rig.postInStep(1, [&] { rig.updateTick(); });
     // In one tick, so that the steps are those of its velocity reads.
-    bench.hostSide.keepCounting(true);
-    bench.updateTick();
-    bench.hostSide.keepCounting(false);
-    QCOMPARE(bench.flightIndex(), 2);
-    QCOMPARE(bench.starts(), before + 1);
+    rig.hostSide.keepCounting(true);
+    rig.updateTick();
+    rig.hostSide.keepCounting(false);
+    QCOMPARE(rig.flightIndex(), 2);
+    QCOMPARE(rig.starts(), before + 1);
 }
 
 QTEST_MAIN(FaultReentryTest)

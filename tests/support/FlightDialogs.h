@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include <QAction>
 #include <QApplication>
@@ -16,9 +16,9 @@
 #include <QToolButton>
 
 /// The entry of the start button's menu with that text; the test fails on a null.
-inline QAction *menuEntry(const ToolBench &bench, const char *text)
+inline QAction *menuEntry(const ToolRig &rig, const char *text)
 {
-    const QMenu *menu = bench.widget<QToolButton>("pbStart")->menu();
+    const QMenu *menu = rig.widget<QToolButton>("pbStart")->menu();
     const QList<QAction *> entries = menu ? menu->actions() : QList<QAction *>();
     for (QAction *entry : entries) {
         if (entry->text() == QLatin1String(text))
@@ -58,9 +58,9 @@ bool inModal(const Open &open, const Act &act)
 
 /// Opens the editor as a person does and acts on it.
 template <typename Act>
-bool inEditor(const ToolBench &bench, const Act &act)
+bool inEditor(const ToolRig &rig, const Act &act)
 {
-    QAction *edit = menuEntry(bench, "Edit flight path");
+    QAction *edit = menuEntry(rig, "Edit flight path");
     return inModal<QDialog>([edit] { edit->trigger(); }, act);
 }
 
@@ -90,10 +90,10 @@ inline bool loadFile(QDialog *editor, const QString &fileName)
 }
 
 /// Makes that file the tool's flight path.
-inline bool takePath(const ToolBench &bench, const QString &fileName)
+inline bool takePath(const ToolRig &rig, const QString &fileName)
 {
     bool isLoaded = false;
-    return inEditor(bench,
+    return inEditor(rig,
                     [&](QDialog *editor) {
                         isLoaded = loadFile(editor, fileName);
                         QTest::mouseClick(standardButton(editor, QDialogButtonBox::Ok),

@@ -1,4 +1,4 @@
-#include "PositionBench.h"
+#include "PositionRig.h"
 #include "ShippedChip.h"
 
 #include "XmlValueRegister.h"
@@ -9,7 +9,7 @@
 
 #include <algorithm>
 
-class PositionModeLifeTest : public PositionBench
+class PositionModeLifeTest : public PositionRig
 {
     Q_OBJECT
 

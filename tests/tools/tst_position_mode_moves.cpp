@@ -1,11 +1,11 @@
-#include "PositionBench.h"
+#include "PositionRig.h"
 
 #include <QLabel>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTest>
 
-class PositionModeMovesTest : public PositionBench
+class PositionModeMovesTest : public PositionRig
 {
     Q_OBJECT
 

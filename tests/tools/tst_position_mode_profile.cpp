@@ -1,9 +1,9 @@
-#include "PositionBench.h"
+#include "PositionRig.h"
 #include "ProfileArea.h"
 
 #include <QTest>
 
-class PositionModeProfileTest : public PositionBench
+class PositionModeProfileTest : public PositionRig
 {
     Q_OBJECT
 

@@ -1,10 +1,10 @@
-#include "PositionBench.h"
+#include "PositionRig.h"
 #include "VelocityProfile.h"
 
 #include <QSpinBox>
 #include <QTest>
 
-class PositionModeSettingsTest : public PositionBench
+class PositionModeSettingsTest : public PositionRig
 {
     Q_OBJECT
 

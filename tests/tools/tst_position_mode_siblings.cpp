@@ -1,7 +1,7 @@
-#include "PositionBench.h"
+#include "PositionRig.h"
 #include "ProfileArea.h"
 #include "ShippedChip.h"
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include "HostRegistry.h"
 #include "XmlProductIC.h"
@@ -11,7 +11,7 @@
 #include <QTableView>
 #include <QTest>
 
-class PositionModeSiblingsTest : public PositionBench
+class PositionModeSiblingsTest : public PositionRig
 {
     Q_OBJECT
 

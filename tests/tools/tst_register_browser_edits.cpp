@@ -1,10 +1,10 @@
-#include "BrowserBench.h"
+#include "BrowserRig.h"
 
 #include <QLineEdit>
 #include <QTableView>
 #include <QTest>
 
-class RegisterBrowserEditsTest : public BrowserBench
+class RegisterBrowserEditsTest : public BrowserRig
 {
     Q_OBJECT
 

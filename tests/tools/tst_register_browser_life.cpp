@@ -1,4 +1,4 @@
-#include "BrowserBench.h"
+#include "BrowserRig.h"
 
 #include "XmlValueRegister.h"
 
@@ -6,7 +6,7 @@
 #include <QTest>
 #include <QTimerEvent>
 
-class RegisterBrowserLifeTest : public BrowserBench
+class RegisterBrowserLifeTest : public BrowserRig
 {
     Q_OBJECT
 

@@ -1,4 +1,4 @@
-#include "BrowserBench.h"
+#include "BrowserRig.h"
 
 #include "XmlProductIC.h"
 
@@ -13,7 +13,7 @@ constexpr int mostReadsPerTick = 8;
 
 } // namespace
 
-class RegisterBrowserReadsTest : public BrowserBench
+class RegisterBrowserReadsTest : public BrowserRig
 {
     Q_OBJECT
 

@@ -1,8 +1,8 @@
-#include "BrowserBench.h"
+#include "BrowserRig.h"
 #include "HostRegistry.h"
 #include "ShippedChip.h"
 #include "SimulatedModule.h"
-#include "ToolBench.h"
+#include "ToolRig.h"
 #include "XmlProductIC.h"
 
 #include <QLineEdit>
@@ -10,7 +10,7 @@
 #include <QTableView>
 #include <QTest>
 
-class RegisterBrowserTableTest : public BrowserBench
+class RegisterBrowserTableTest : public BrowserRig
 {
     Q_OBJECT
 

@@ -1,5 +1,5 @@
 #include "HeadlessPlatform.h"
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include <QGraphicsLayout>
 #include <QGraphicsTextItem>
@@ -80,8 +80,8 @@ private slots:
 
 void ChartSceneTest::theSeriesComeInTheirOrderWithOnePointEach()
 {
-    ToolBench bench;
-    const QList<QAbstractSeries *> all = bench.chart()->series();
+    ToolRig rig;
+    const QList<QAbstractSeries *> all = rig.chart()->series();
     QCOMPARE(all.size(), 3);
     const QList<QAbstractSeries::SeriesType> types{QAbstractSeries::SeriesTypeScatter,
                                                    QAbstractSeries::SeriesTypeScatter,
@@ -98,31 +98,31 @@ void ChartSceneTest::theSeriesComeInTheirOrderWithOnePointEach()
 
 void ChartSceneTest::allSeriesAreOnBothAxes()
 {
-    ToolBench bench;
-    const QList<QAbstractAxis *> both{bench.axisX(), bench.axisY()};
-    const QList<QAbstractSeries *> all = bench.chart()->series();
+    ToolRig rig;
+    const QList<QAbstractAxis *> both{rig.axisX(), rig.axisY()};
+    const QList<QAbstractSeries *> all = rig.chart()->series();
     for (QAbstractSeries *series : all)
         QCOMPARE(series->attachedAxes(), both);
 }
 
 void ChartSceneTest::theAxesHaveNineTicksAndWholeNumbers()
 {
-    ToolBench bench;
-    QCOMPARE(bench.chart()->axes().size(), 2);
-    for (QValueAxis *axis : {bench.axisX(), bench.axisY()}) {
+    ToolRig rig;
+    QCOMPARE(rig.chart()->axes().size(), 2);
+    for (QValueAxis *axis : {rig.axisX(), rig.axisY()}) {
         QVERIFY(axis);
         QCOMPARE(axis->tickCount(), 9);
         QCOMPARE(axis->labelFormat(), QStringLiteral("%.0i"));
     }
-    QCOMPARE(int(bench.axisX()->alignment()), int(Qt::AlignBottom));
-    QCOMPARE(int(bench.axisY()->alignment()), int(Qt::AlignLeft));
+    QCOMPARE(int(rig.axisX()->alignment()), int(Qt::AlignBottom));
+    QCOMPARE(int(rig.axisY()->alignment()), int(Qt::AlignLeft));
 }
 
 void ChartSceneTest::theAxesAreNamedAfterTheirFields()
 {
-    ToolBench bench;
-    QCOMPARE(bench.axisX()->titleText(), QStringLiteral("M0_XACTUAL field"));
-    QCOMPARE(bench.axisY()->titleText(), QStringLiteral("M1_XACTUAL field"));
+    ToolRig rig;
+    QCOMPARE(rig.axisX()->titleText(), QStringLiteral("M0_XACTUAL field"));
+    QCOMPARE(rig.axisY()->titleText(), QStringLiteral("M1_XACTUAL field"));
 }
 
 void ChartSceneTest::withoutTheirFieldsTheAxesHaveNoTitle_data()
@@ -139,26 +139,26 @@ void ChartSceneTest::withoutTheirFieldsTheAxesHaveNoTitle()
 {
     QFETCH(QString, missing);
     QFETCH(QString, titles);
-    BenchGaps gaps;
+    RigGaps gaps;
     gaps.fields.insert(missing);
     gaps.hasChip = missing != QLatin1String("chip");
     gaps.hasModule = missing != QLatin1String("module");
-    ToolBench bench(0, gaps);
-    QCOMPARE(bench.axisX()->titleText() + QLatin1Char('|') + bench.axisY()->titleText(), titles);
-    QCOMPARE(bench.limits(), QStringLiteral("-256 256 -256 256"));
+    ToolRig rig(0, gaps);
+    QCOMPARE(rig.axisX()->titleText() + QLatin1Char('|') + rig.axisY()->titleText(), titles);
+    QCOMPARE(rig.limits(), QStringLiteral("-256 256 -256 256"));
 }
 
 void ChartSceneTest::axisLabelsGroupDigitsTheFrenchWay()
 {
-    ToolBench bench;
-    bench.setLimits(-40960, 40960, -8192, 8192);
-    bench.show();
-    QVERIFY(bench.chart()->localizeNumbers());
+    ToolRig rig;
+    rig.setLimits(-40960, 40960, -8192, 8192);
+    rig.show();
+    QVERIFY(rig.chart()->localizeNumbers());
     const QLocale french(QLocale::French, QLocale::France);
     QCOMPARE(french.toString(-40960).size(), 7);
     for (int value : {-40960, 10240, 40960, -8192, 2048, 8192}) {
         const QString label = withPlainSpaces(french.toString(value));
-        const QStringList shown = textsIn(bench.view()->scene());
+        const QStringList shown = textsIn(rig.view()->scene());
         QVERIFY2(shown.contains(label),
                  qPrintable(label + QLatin1String(" is none of ") + shown.join(QLatin1Char('|'))));
     }
@@ -166,35 +166,35 @@ void ChartSceneTest::axisLabelsGroupDigitsTheFrenchWay()
 
 void ChartSceneTest::theChartKeepsTheLibrarysLook()
 {
-    ToolBench bench;
-    QCOMPARE(bench.chart()->theme(), QChart::ChartThemeLight);
-    QCOMPARE(int(bench.chart()->animationOptions()), int(QChart::NoAnimation));
-    QCOMPARE(bench.chart()->title(), QString());
-    QVERIFY(bench.chart()->isBackgroundVisible());
+    ToolRig rig;
+    QCOMPARE(rig.chart()->theme(), QChart::ChartThemeLight);
+    QCOMPARE(int(rig.chart()->animationOptions()), int(QChart::NoAnimation));
+    QCOMPARE(rig.chart()->title(), QString());
+    QVERIFY(rig.chart()->isBackgroundVisible());
     qreal left = -1;
     qreal top = -1;
     qreal right = -1;
     qreal bottom = -1;
-    bench.chart()->layout()->getContentsMargins(&left, &top, &right, &bottom);
+    rig.chart()->layout()->getContentsMargins(&left, &top, &right, &bottom);
     QCOMPARE(QMarginsF(left, top, right, bottom), QMarginsF());
 }
 
 void ChartSceneTest::theTargetIsATexturedRectangle()
 {
-    ToolBench bench;
+    ToolRig rig;
     const LibraryDefaults library;
-    QCOMPARE(bench.target()->markerShape(), QScatterSeries::MarkerShapeRectangle);
-    QCOMPARE(bench.target()->markerSize(), 27.0);
-    QCOMPARE(bench.target()->brush().style(), Qt::TexturePattern);
-    QCOMPARE(bench.target()->pen(), library.first->pen());
+    QCOMPARE(rig.target()->markerShape(), QScatterSeries::MarkerShapeRectangle);
+    QCOMPARE(rig.target()->markerSize(), 27.0);
+    QCOMPARE(rig.target()->brush().style(), Qt::TexturePattern);
+    QCOMPARE(rig.target()->pen(), library.first->pen());
 }
 
 void ChartSceneTest::theTargetsImageIsAThinCross()
 {
-    ToolBench bench;
+    ToolRig rig;
     const LibraryDefaults library;
     const QColor colour = library.first->color();
-    const QImage image = bench.target()->brush().textureImage();
+    const QImage image = rig.target()->brush().textureImage();
     QCOMPARE(image.size(), QSize(30, 30));
     QCOMPARE(image.format(), QImage::Format_ARGB32);
     for (int y = 0; y < 30; ++y) {
@@ -224,12 +224,12 @@ void ChartSceneTest::theTargetsImageIsAThinCross()
 
 void ChartSceneTest::theActualPositionIsAHollowRing()
 {
-    ToolBench bench;
+    ToolRig rig;
     const LibraryDefaults library;
-    QCOMPARE(bench.actual()->markerShape(), QScatterSeries::MarkerShapeCircle);
-    QCOMPARE(bench.actual()->markerSize(), 19.0);
-    QCOMPARE(bench.actual()->color(), QColor(Qt::transparent));
-    const QPen pen = bench.actual()->pen();
+    QCOMPARE(rig.actual()->markerShape(), QScatterSeries::MarkerShapeCircle);
+    QCOMPARE(rig.actual()->markerSize(), 19.0);
+    QCOMPARE(rig.actual()->color(), QColor(Qt::transparent));
+    const QPen pen = rig.actual()->pen();
     QCOMPARE(pen.widthF(), 2.0);
     QCOMPARE(pen.style(), Qt::SolidLine);
     QCOMPARE(pen.capStyle(), Qt::SquareCap);
@@ -239,18 +239,18 @@ void ChartSceneTest::theActualPositionIsAHollowRing()
 
 void ChartSceneTest::theTraceKeepsItsThemeColour()
 {
-    ToolBench bench;
+    ToolRig rig;
     const LibraryDefaults library;
-    QCOMPARE(bench.trace()->pen(), library.third->pen());
-    QVERIFY(bench.trace()->isVisible());
+    QCOMPARE(rig.trace()->pen(), library.third->pen());
+    QVERIFY(rig.trace()->isVisible());
 }
 
 void ChartSceneTest::theLegendNamesEachSeriesByItsOwnMarker()
 {
-    ToolBench bench;
-    QCOMPARE(bench.chart()->legend()->markerShape(), QLegend::MarkerShapeFromSeries);
+    ToolRig rig;
+    QCOMPARE(rig.chart()->legend()->markerShape(), QLegend::MarkerShapeFromSeries);
     QStringList labels;
-    const QList<QLegendMarker *> markers = bench.chart()->legend()->markers();
+    const QList<QLegendMarker *> markers = rig.chart()->legend()->markers();
     for (QLegendMarker *marker : markers)
         labels << marker->label();
     QCOMPARE(labels,
@@ -260,28 +260,28 @@ void ChartSceneTest::theLegendNamesEachSeriesByItsOwnMarker()
 
 void ChartSceneTest::theViewIsInThePanel()
 {
-    ToolBench bench;
-    QCOMPARE(QByteArray(bench.view()->metaObject()->className()), QByteArray("ChartView"));
-    QCOMPARE(bench.view()->parentWidget(), bench.tool());
-    QVERIFY(bench.view()->renderHints().testFlag(QPainter::Antialiasing));
-    auto *graphLayout = bench.tool()->findChild<QVBoxLayout *>(QStringLiteral("graphLayout"));
+    ToolRig rig;
+    QCOMPARE(QByteArray(rig.view()->metaObject()->className()), QByteArray("ChartView"));
+    QCOMPARE(rig.view()->parentWidget(), rig.tool());
+    QVERIFY(rig.view()->renderHints().testFlag(QPainter::Antialiasing));
+    auto *graphLayout = rig.tool()->findChild<QVBoxLayout *>(QStringLiteral("graphLayout"));
     QVERIFY(graphLayout);
-    QCOMPARE(graphLayout->indexOf(bench.view()), 0);
-    QCOMPARE(bench.tool()->findChildren<QChartView *>().size(), 1);
+    QCOMPARE(graphLayout->indexOf(rig.view()), 0);
+    QCOMPARE(rig.tool()->findChildren<QChartView *>().size(), 1);
 }
 
 void ChartSceneTest::theLimitsStartAtOneGridStep()
 {
-    ToolBench bench;
-    QCOMPARE(bench.limits(), QStringLiteral("-256 256 -256 256"));
-    for (QValueAxis *axis : {bench.axisX(), bench.axisY()}) {
+    ToolRig rig;
+    QCOMPARE(rig.limits(), QStringLiteral("-256 256 -256 256"));
+    for (QValueAxis *axis : {rig.axisX(), rig.axisY()}) {
         QCOMPARE(axis->min(), -256.0);
         QCOMPARE(axis->max(), 256.0);
     }
     for (const char *name : {"spM0min", "spM1min"})
-        QCOMPARE(bench.widget<QSpinBox>(name)->maximum(), -256);
+        QCOMPARE(rig.widget<QSpinBox>(name)->maximum(), -256);
     for (const char *name : {"spM0max", "spM1max"})
-        QCOMPARE(bench.widget<QSpinBox>(name)->minimum(), 256);
+        QCOMPARE(rig.widget<QSpinBox>(name)->minimum(), 256);
 }
 
 void ChartSceneTest::thePrototypeHasNoChart()

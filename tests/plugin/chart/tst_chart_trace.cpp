@@ -1,5 +1,5 @@
 #include "HeadlessPlatform.h"
-#include "ZoomBench.h"
+#include "ZoomRig.h"
 
 #include <QSignalSpy>
 #include <QSpinBox>
@@ -11,15 +11,15 @@ using QtCharts::QValueAxis;
 namespace {
 
 /// What a redraw along an axis is to leave, worked out point by point.
-QVector<QPointF> redrawn(const ToolBench &bench, const QVector<QPointF> &history, bool alongX,
+QVector<QPointF> redrawn(const ToolRig &rig, const QVector<QPointF> &history, bool alongX,
                          double min, double max)
 {
     const auto pixel = [&](const QPointF &point) {
-        const QPointF at = bench.chart()->mapToPosition(point, bench.trace());
+        const QPointF at = rig.chart()->mapToPosition(point, rig.trace());
         return QPointF(std::floor(at.x() + 0.5), std::floor(at.y() + 0.5));
     };
     QVector<QPointF> kept;
-    QPointF previous = pixel(bench.actual()->at(0));
+    QPointF previous = pixel(rig.actual()->at(0));
     for (const QPointF &point : history) {
         const QPointF at = pixel(point);
         const double coordinate = alongX ? point.x() : point.y();
@@ -75,14 +75,14 @@ void ChartTraceTest::aFractionalRangeIsTruncatedAndSnapped()
     QFETCH(double, max);
     QFETCH(int, lower);
     QFETCH(int, upper);
-    ToolBench bench;
-    for (QValueAxis *axis : {bench.axisX(), bench.axisY()}) {
-        bench.setLimits(-8192, 8192, -8192, 8192);
+    ToolRig rig;
+    for (QValueAxis *axis : {rig.axisX(), rig.axisY()}) {
+        rig.setLimits(-8192, 8192, -8192, 8192);
         axis->setRange(min, max);
-        const bool isX = axis == bench.axisX();
+        const bool isX = axis == rig.axisX();
         const QString changed = QStringLiteral("%1 %2").arg(lower).arg(upper);
         const QString kept = QStringLiteral("-8192 8192");
-        QCOMPARE(bench.limits(),
+        QCOMPARE(rig.limits(),
                  isX ? changed + QLatin1Char(' ') + kept : kept + QLatin1Char(' ') + changed);
         QCOMPARE(axis->min(), double(lower));
         QCOMPARE(axis->max(), double(upper));
@@ -92,12 +92,12 @@ void ChartTraceTest::aFractionalRangeIsTruncatedAndSnapped()
 void ChartTraceTest::theUpperLimitIsSetBeforeTheLowerOne()
 {
     // The one that is set first is held back by the other's old value.
-    ToolBench bench;
-    bench.axisX()->setRange(-20000, -10000);
-    bench.axisY()->setRange(-20000, -10000);
-    QCOMPARE(bench.limits(), QStringLiteral("-20224 256 -20224 256"));
-    QCOMPARE(bench.axisX()->max(), 256.0);
-    ToolBench other;
+    ToolRig rig;
+    rig.axisX()->setRange(-20000, -10000);
+    rig.axisY()->setRange(-20000, -10000);
+    QCOMPARE(rig.limits(), QStringLiteral("-20224 256 -20224 256"));
+    QCOMPARE(rig.axisX()->max(), 256.0);
+    ToolRig other;
     other.axisX()->setRange(10000, 20000);
     other.axisY()->setRange(10000, 20000);
     QCOMPARE(other.limits(), QStringLiteral("9984 20224 9984 20224"));
@@ -120,144 +120,144 @@ void ChartTraceTest::aRangeChangeRedrawsTheHistory()
     QFETCH(bool, alongX);
     QFETCH(int, min);
     QFETCH(int, max);
-    ZoomBench bench(-4096, 4096, -4096, 4096);
-    bench.driveAround(3000);
-    (alongX ? bench.axisX() : bench.axisY())->setRange(min, max);
-    const QVector<QPointF> wanted = redrawn(bench, bench.history, alongX, min, max);
-    QVERIFY(!wanted.isEmpty() && wanted.size() < bench.history.size());
-    QCOMPARE(bench.trace()->pointsVector(), wanted);
+    ZoomRig rig(-4096, 4096, -4096, 4096);
+    rig.driveAround(3000);
+    (alongX ? rig.axisX() : rig.axisY())->setRange(min, max);
+    const QVector<QPointF> wanted = redrawn(rig, rig.history, alongX, min, max);
+    QVERIFY(!wanted.isEmpty() && wanted.size() < rig.history.size());
+    QCOMPARE(rig.trace()->pointsVector(), wanted);
 }
 
 void ChartTraceTest::aSkippedPointDoesNotCountAsDrawn()
 {
-    ZoomBench bench(-4096, 4096, -4096, 4096);
-    bench.start();
-    bench.sampled(100, 100);
-    bench.sampled(3000, 100);
-    bench.sampled(100, 101);
-    bench.sampled(-500, 0);
-    bench.updateTick();
+    ZoomRig rig(-4096, 4096, -4096, 4096);
+    rig.start();
+    rig.sampled(100, 100);
+    rig.sampled(3000, 100);
+    rig.sampled(100, 101);
+    rig.sampled(-500, 0);
+    rig.updateTick();
     // The second point is out of the range, and the third on the first one's pixel.
-    bench.axisX()->setRange(-2048, 2048);
-    QCOMPARE(bench.pixelOf(QPointF(100, 100)), bench.pixelOf(QPointF(100, 101)));
-    QCOMPARE(bench.trace()->pointsVector(), QVector<QPointF>({{100, 100}, {-500, 0}}));
+    rig.axisX()->setRange(-2048, 2048);
+    QCOMPARE(rig.pixelOf(QPointF(100, 100)), rig.pixelOf(QPointF(100, 101)));
+    QCOMPARE(rig.trace()->pointsVector(), QVector<QPointF>({{100, 100}, {-500, 0}}));
 }
 
 void ChartTraceTest::pointsOnTheBoundsStay()
 {
-    ZoomBench bench(-4096, 4096, -4096, 4096);
-    bench.start();
-    bench.sampled(-1024, 0);
-    bench.sampled(-1025, 500);
-    bench.sampled(1024, 1024);
-    bench.sampled(1025, -1025);
-    bench.sampled(0, 0);
-    bench.updateTick();
-    bench.axisX()->setRange(-1024, 1024);
-    QCOMPARE(bench.trace()->pointsVector(), QVector<QPointF>({{-1024, 0}, {1024, 1024}, {0, 0}}));
-    bench.axisX()->setRange(-4096, 4096);
-    bench.axisY()->setRange(-1024, 1024);
-    QCOMPARE(bench.trace()->pointsVector(),
+    ZoomRig rig(-4096, 4096, -4096, 4096);
+    rig.start();
+    rig.sampled(-1024, 0);
+    rig.sampled(-1025, 500);
+    rig.sampled(1024, 1024);
+    rig.sampled(1025, -1025);
+    rig.sampled(0, 0);
+    rig.updateTick();
+    rig.axisX()->setRange(-1024, 1024);
+    QCOMPARE(rig.trace()->pointsVector(), QVector<QPointF>({{-1024, 0}, {1024, 1024}, {0, 0}}));
+    rig.axisX()->setRange(-4096, 4096);
+    rig.axisY()->setRange(-1024, 1024);
+    QCOMPARE(rig.trace()->pointsVector(),
              QVector<QPointF>({{-1024, 0}, {-1025, 500}, {1024, 1024}, {0, 0}}));
 }
 
 void ChartTraceTest::theFirstPointIsComparedWithTheActualPosition()
 {
-    ZoomBench bench(-4096, 4096, -4096, 4096);
-    bench.start();
-    bench.sampled(1000, 1000);
-    bench.sampled(0, 500);
-    bench.sampled(1000, 1001);
-    bench.updateTick();
-    bench.axisX()->setRange(-8192, 8192);
-    QCOMPARE(bench.trace()->pointsVector(), QVector<QPointF>({{0, 500}, {1000, 1001}}));
+    ZoomRig rig(-4096, 4096, -4096, 4096);
+    rig.start();
+    rig.sampled(1000, 1000);
+    rig.sampled(0, 500);
+    rig.sampled(1000, 1001);
+    rig.updateTick();
+    rig.axisX()->setRange(-8192, 8192);
+    QCOMPARE(rig.trace()->pointsVector(), QVector<QPointF>({{0, 500}, {1000, 1001}}));
 }
 
 void ChartTraceTest::anEmptyRedrawKeepsTheLastDrawnPoint()
 {
-    ZoomBench bench(-4096, 4096, -4096, 4096);
-    bench.axisX()->setRange(-8192, 8192);
-    QCOMPARE(bench.trace()->pointsVector(), QVector<QPointF>{QPointF(0, 0)});
-    bench.start();
-    bench.sampled(1000, 1000);
-    bench.sampled(1001, 1000);
-    bench.updateTick();
+    ZoomRig rig(-4096, 4096, -4096, 4096);
+    rig.axisX()->setRange(-8192, 8192);
+    QCOMPARE(rig.trace()->pointsVector(), QVector<QPointF>{QPointF(0, 0)});
+    rig.start();
+    rig.sampled(1000, 1000);
+    rig.sampled(1001, 1000);
+    rig.updateTick();
     // The actual position is on the pixel of the last drawn point, which is not the same point.
-    QCOMPARE(bench.trace()->pointsVector(), QVector<QPointF>({{0, 0}, {1000, 1000}}));
-    bench.axisX()->setRange(-3072, 512);
-    QCOMPARE(bench.trace()->pointsVector(), QVector<QPointF>{QPointF(1000, 1000)});
-    bench.axisY()->setRange(-3072, 512);
-    QCOMPARE(bench.trace()->pointsVector(), QVector<QPointF>{QPointF(1000, 1000)});
+    QCOMPARE(rig.trace()->pointsVector(), QVector<QPointF>({{0, 0}, {1000, 1000}}));
+    rig.axisX()->setRange(-3072, 512);
+    QCOMPARE(rig.trace()->pointsVector(), QVector<QPointF>{QPointF(1000, 1000)});
+    rig.axisY()->setRange(-3072, 512);
+    QCOMPARE(rig.trace()->pointsVector(), QVector<QPointF>{QPointF(1000, 1000)});
 }
 
 void ChartTraceTest::pointsOutsideComeBack()
 {
-    ZoomBench bench(-4096, 4096, -4096, 4096);
-    bench.driveAround(3000);
-    bench.axisX()->setRange(-512, 512);
-    const int few = bench.trace()->count();
-    bench.axisX()->setRange(-4096, 4096);
-    QVERIFY(bench.trace()->count() > few);
-    QCOMPARE(bench.trace()->pointsVector(), redrawn(bench, bench.history, true, -4096, 4096));
+    ZoomRig rig(-4096, 4096, -4096, 4096);
+    rig.driveAround(3000);
+    rig.axisX()->setRange(-512, 512);
+    const int few = rig.trace()->count();
+    rig.axisX()->setRange(-4096, 4096);
+    QVERIFY(rig.trace()->count() > few);
+    QCOMPARE(rig.trace()->pointsVector(), redrawn(rig, rig.history, true, -4096, 4096));
 }
 
 void ChartTraceTest::aRedrawChangesTheTraceOnce()
 {
-    ZoomBench bench(-4096, 4096, -4096, 4096);
-    bench.driveAround(3000);
-    QSignalSpy replaced(bench.trace(), &QtCharts::QXYSeries::pointsReplaced);
-    QSignalSpy added(bench.trace(), &QtCharts::QXYSeries::pointAdded);
-    QSignalSpy removed(bench.trace(), &QtCharts::QXYSeries::pointRemoved);
-    QSignalSpy removedMany(bench.trace(), &QtCharts::QXYSeries::pointsRemoved);
-    bench.axisX()->setRange(-2048, 2048);
+    ZoomRig rig(-4096, 4096, -4096, 4096);
+    rig.driveAround(3000);
+    QSignalSpy replaced(rig.trace(), &QtCharts::QXYSeries::pointsReplaced);
+    QSignalSpy added(rig.trace(), &QtCharts::QXYSeries::pointAdded);
+    QSignalSpy removed(rig.trace(), &QtCharts::QXYSeries::pointRemoved);
+    QSignalSpy removedMany(rig.trace(), &QtCharts::QXYSeries::pointsRemoved);
+    rig.axisX()->setRange(-2048, 2048);
     QCOMPARE(replaced.count(), 1);
     QCOMPARE(added.count() + removed.count() + removedMany.count(), 0);
 }
 
 void ChartTraceTest::clearLeavesTheActualPosition()
 {
-    ZoomBench bench(-4096, 4096, -4096, 4096);
-    bench.driveAround(3000);
-    QVERIFY(bench.trace()->count() > 10);
-    QTest::mouseClick(bench.widget<QPushButton>("btnClearTraces"), Qt::LeftButton);
-    QCOMPARE(bench.trace()->pointsVector(), QVector<QPointF>{bench.actual()->at(0)});
-    QCOMPARE(bench.trace()->at(0), bench.history.constLast());
+    ZoomRig rig(-4096, 4096, -4096, 4096);
+    rig.driveAround(3000);
+    QVERIFY(rig.trace()->count() > 10);
+    QTest::mouseClick(rig.widget<QPushButton>("btnClearTraces"), Qt::LeftButton);
+    QCOMPARE(rig.trace()->pointsVector(), QVector<QPointF>{rig.actual()->at(0)});
+    QCOMPARE(rig.trace()->at(0), rig.history.constLast());
 }
 
 void ChartTraceTest::clearForgetsTheHistory()
 {
-    ZoomBench bench(-4096, 4096, -4096, 4096);
-    bench.driveAround(3000);
-    bench.call("on_btnClearTraces_clicked");
-    bench.out()->click();
-    QCOMPARE(bench.trace()->pointsVector(), QVector<QPointF>{bench.actual()->at(0)});
+    ZoomRig rig(-4096, 4096, -4096, 4096);
+    rig.driveAround(3000);
+    rig.call("on_btnClearTraces_clicked");
+    rig.out()->click();
+    QCOMPARE(rig.trace()->pointsVector(), QVector<QPointF>{rig.actual()->at(0)});
 }
 
 void ChartTraceTest::clearPutsTheActualPositionIntoTheHistory()
 {
-    ZoomBench bench(-4096, 4096, -4096, 4096);
-    bench.driveAround(3000);
-    bench.call("on_btnClearTraces_clicked");
-    const QPointF cleared = bench.actual()->at(0);
+    ZoomRig rig(-4096, 4096, -4096, 4096);
+    rig.driveAround(3000);
+    rig.call("on_btnClearTraces_clicked");
+    const QPointF cleared = rig.actual()->at(0);
     const QPointF moved(-2500, -2500);
-    bench.sample(-2500, -2500);
-    bench.updateTick();
-    bench.axisX()->setRange(-8192, 8192);
-    QCOMPARE(bench.trace()->pointsVector(), QVector<QPointF>({cleared, moved}));
+    rig.sample(-2500, -2500);
+    rig.updateTick();
+    rig.axisX()->setRange(-8192, 8192);
+    QCOMPARE(rig.trace()->pointsVector(), QVector<QPointF>({cleared, moved}));
 }
 
 void ChartTraceTest::everyClickClears()
 {
-    ZoomBench bench(-4096, 4096, -4096, 4096);
-    auto *button = bench.widget<QPushButton>("btnClearTraces");
-    bench.start();
+    ZoomRig rig(-4096, 4096, -4096, 4096);
+    auto *button = rig.widget<QPushButton>("btnClearTraces");
+    rig.start();
     for (int i = 1; i <= 3; ++i) {
-        bench.sample(1000 * i, 500);
-        bench.sample(0, -500 * i);
-        bench.updateTick();
-        QVERIFY(bench.trace()->count() > 1);
+        rig.sample(1000 * i, 500);
+        rig.sample(0, -500 * i);
+        rig.updateTick();
+        QVERIFY(rig.trace()->count() > 1);
         button->click();
-        QCOMPARE(bench.trace()->count(), 1);
+        QCOMPARE(rig.trace()->count(), 1);
     }
 }
 

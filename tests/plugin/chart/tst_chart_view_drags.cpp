@@ -1,11 +1,11 @@
-#include "ChartViewBench.h"
-#include "ToolBench.h"
+#include "ChartViewRig.h"
+#include "ToolRig.h"
 
 #include <QTest>
 
 #include <limits>
 
-class ChartViewDragsTest : public ChartViewBench
+class ChartViewDragsTest : public ChartViewRig
 {
     Q_OBJECT
 

@@ -1,5 +1,5 @@
-#include "ChartViewBench.h"
-#include "ToolBench.h"
+#include "ChartViewRig.h"
+#include "ToolRig.h"
 
 #include <QMetaMethod>
 #include <QTest>
@@ -7,7 +7,7 @@
 
 using QtCharts::QChartView;
 
-class ChartViewPicksTest : public ChartViewBench
+class ChartViewPicksTest : public ChartViewRig
 {
     Q_OBJECT
 

@@ -1,5 +1,5 @@
-#include "ChartViewBench.h"
-#include "ToolBench.h"
+#include "ChartViewRig.h"
+#include "ToolRig.h"
 
 #include <QTest>
 #include <QtCharts/QScatterSeries>
@@ -7,7 +7,7 @@
 
 using QtCharts::QChartView;
 
-class ChartViewRubberBandTest : public ChartViewBench
+class ChartViewRubberBandTest : public ChartViewRig
 {
     Q_OBJECT
 

@@ -1,5 +1,5 @@
 #include "HeadlessPlatform.h"
-#include "ZoomBench.h"
+#include "ZoomRig.h"
 
 #include <QMouseEvent>
 #include <QSignalSpy>
@@ -12,9 +12,9 @@ namespace {
 
 /// Sends a wheel turn where the window system does, to the view, with the keys that are held; true
 /// when it was accepted.
-bool turnWheel(const ToolBench &bench, const QPointF &at, QPoint angle)
+bool turnWheel(const ToolRig &rig, const QPointF &at, QPoint angle)
 {
-    QWidget *viewport = bench.view()->viewport();
+    QWidget *viewport = rig.view()->viewport();
     QWheelEvent event(at, viewport->mapToGlobal(at.toPoint()), QPoint(), angle, Qt::NoButton,
                       QGuiApplication::keyboardModifiers(), Qt::NoScrollPhase, false);
     // Only what comes from the window system goes on from a widget to its parent.
@@ -25,12 +25,12 @@ bool turnWheel(const ToolBench &bench, const QPointF &at, QPoint angle)
 }
 
 /// Hands the panel a wheel event of its own; true when it is accepted afterwards.
-bool callWheel(const ToolBench &bench, const QPointF &at, QPoint angle, bool isAccepted,
+bool callWheel(const ToolRig &rig, const QPointF &at, QPoint angle, bool isAccepted,
                Qt::KeyboardModifiers inEvent = Qt::NoModifier)
 {
     QWheelEvent event(at, at, QPoint(), angle, Qt::NoButton, inEvent, Qt::NoScrollPhase, false);
     event.setAccepted(isAccepted);
-    QMetaObject::invokeMethod(bench.tool(), "wheelEvent", Q_ARG(QWheelEvent *, &event));
+    QMetaObject::invokeMethod(rig.tool(), "wheelEvent", Q_ARG(QWheelEvent *, &event));
     return event.isAccepted();
 }
 
@@ -71,26 +71,26 @@ void ChartZoomTest::cleanup()
 
 void ChartZoomTest::aButtonCentresOnTheActualPosition()
 {
-    ZoomBench bench(-4096, 4096, -4096, 4096);
-    bench.standAt(3000, -2000);
-    QTest::mouseClick(bench.in(), Qt::LeftButton);
+    ZoomRig rig(-4096, 4096, -4096, 4096);
+    rig.standAt(3000, -2000);
+    QTest::mouseClick(rig.in(), Qt::LeftButton);
     // 2048 and -2048 moved by 3000 and by -2000, and then snapped.
-    QCOMPARE(bench.limits(), QStringLiteral("768 5120 -4096 256"));
-    QCOMPARE(bench.axisX()->min(), 768.0);
-    QCOMPARE(bench.axisX()->max(), 5120.0);
-    QCOMPARE(bench.axisY()->min(), -4096.0);
-    QCOMPARE(bench.axisY()->max(), 256.0);
-    QVERIFY(!bench.in()->property("ZoomPt").isValid());
+    QCOMPARE(rig.limits(), QStringLiteral("768 5120 -4096 256"));
+    QCOMPARE(rig.axisX()->min(), 768.0);
+    QCOMPARE(rig.axisX()->max(), 5120.0);
+    QCOMPARE(rig.axisY()->min(), -4096.0);
+    QCOMPARE(rig.axisY()->max(), 256.0);
+    QVERIFY(!rig.in()->property("ZoomPt").isValid());
 }
 
 void ChartZoomTest::aButtonZoomsByTwo()
 {
-    ZoomBench bench(-4096, 4096, -8192, 8192);
-    QTest::mouseClick(bench.in(), Qt::LeftButton);
-    QCOMPARE(bench.limits(), QStringLiteral("-2048 2048 -4096 4096"));
-    QTest::mouseClick(bench.out(), Qt::LeftButton);
-    QTest::mouseClick(bench.out(), Qt::LeftButton);
-    QCOMPARE(bench.limits(), QStringLiteral("-8192 8192 -16384 16384"));
+    ZoomRig rig(-4096, 4096, -8192, 8192);
+    QTest::mouseClick(rig.in(), Qt::LeftButton);
+    QCOMPARE(rig.limits(), QStringLiteral("-2048 2048 -4096 4096"));
+    QTest::mouseClick(rig.out(), Qt::LeftButton);
+    QTest::mouseClick(rig.out(), Qt::LeftButton);
+    QCOMPARE(rig.limits(), QStringLiteral("-8192 8192 -16384 16384"));
 }
 
 void ChartZoomTest::theUpperLimitIsMovedBeforeTheLowerOne_data()
@@ -106,11 +106,11 @@ void ChartZoomTest::theUpperLimitIsMovedBeforeTheLowerOne()
 {
     QFETCH(QPoint, position);
     QFETCH(QString, limits);
-    ZoomBench bench(-8192, 8192, -8192, 8192);
-    bench.standAt(position.x(), position.y());
-    bench.setLimits(-256, 256, -256, 256);
-    bench.in()->click();
-    QCOMPARE(bench.limits(), limits);
+    ZoomRig rig(-8192, 8192, -8192, 8192);
+    rig.standAt(position.x(), position.y());
+    rig.setLimits(-256, 256, -256, 256);
+    rig.in()->click();
+    QCOMPARE(rig.limits(), limits);
 }
 
 void ChartZoomTest::smallShiftsAreNotMade_data()
@@ -131,23 +131,23 @@ void ChartZoomTest::smallShiftsAreNotMade()
     QFETCH(int, x);
     QFETCH(int, y);
     QFETCH(QString, limits);
-    ZoomBench bench(-4096, 4096, -4096, 4096);
-    bench.standAt(x, y);
-    bench.in()->click();
-    QCOMPARE(bench.limits(), limits);
+    ZoomRig rig(-4096, 4096, -4096, 4096);
+    rig.standAt(x, y);
+    rig.in()->click();
+    QCOMPARE(rig.limits(), limits);
 }
 
 void ChartZoomTest::zoomingIsBoundedOnBothSides()
 {
-    ZoomBench bench(-4096, 4096, -4096, 4096);
+    ZoomRig rig(-4096, 4096, -4096, 4096);
     for (int i = 0; i < 40; ++i)
-        bench.out()->click();
-    QCOMPARE(bench.limits(), QStringLiteral("-8388352 8388352 -8388352 8388352"));
-    QCOMPARE(bench.axisX()->max(), 8388352.0);
-    QCOMPARE(bench.axisY()->min(), -8388352.0);
+        rig.out()->click();
+    QCOMPARE(rig.limits(), QStringLiteral("-8388352 8388352 -8388352 8388352"));
+    QCOMPARE(rig.axisX()->max(), 8388352.0);
+    QCOMPARE(rig.axisY()->min(), -8388352.0);
     for (int i = 0; i < 40; ++i)
-        bench.in()->click();
-    for (QValueAxis *axis : {bench.axisX(), bench.axisY()}) {
+        rig.in()->click();
+    for (QValueAxis *axis : {rig.axisX(), rig.axisY()}) {
         QVERIFY(axis->max() - axis->min() >= 512);
         QVERIFY(axis->max() - axis->min() <= 1024);
     }
@@ -155,11 +155,11 @@ void ChartZoomTest::zoomingIsBoundedOnBothSides()
 
 void ChartZoomTest::zoomWithoutAButtonOnlyCentres()
 {
-    ZoomBench bench(-4096, 4096, -4096, 4096);
-    bench.standAt(3000, -100);
-    QVERIFY(bench.call("zoom"));
+    ZoomRig rig(-4096, 4096, -4096, 4096);
+    rig.standAt(3000, -100);
+    QVERIFY(rig.call("zoom"));
     // 4096 and -4096 moved by 3000 and then snapped.
-    QCOMPARE(bench.limits(), QStringLiteral("-1280 7168 -4096 4096"));
+    QCOMPARE(rig.limits(), QStringLiteral("-1280 7168 -4096 4096"));
 }
 
 void ChartZoomTest::theWheelZoomsWithCtrl_data()
@@ -180,32 +180,32 @@ void ChartZoomTest::theWheelZoomsWithCtrl()
 {
     QFETCH(QPoint, angle);
     QFETCH(bool, isIn);
-    ZoomBench bench(-65536, 65536, -65536, 65536);
-    QSignalSpy in(bench.in(), &QPushButton::clicked);
-    QSignalSpy out(bench.out(), &QPushButton::clicked);
+    ZoomRig rig(-65536, 65536, -65536, 65536);
+    QSignalSpy in(rig.in(), &QPushButton::clicked);
+    QSignalSpy out(rig.out(), &QPushButton::clicked);
     {
-        const HeldKeys ctrl(bench.tool(), Qt::ControlModifier);
-        turnWheel(bench, bench.chart()->plotArea().center(), angle);
+        const HeldKeys ctrl(rig.tool(), Qt::ControlModifier);
+        turnWheel(rig, rig.chart()->plotArea().center(), angle);
     }
     QCOMPARE(in.count(), isIn ? 1 : 0);
     QCOMPARE(out.count(), isIn ? 0 : 1);
-    const double span = bench.axisX()->max() - bench.axisX()->min();
+    const double span = rig.axisX()->max() - rig.axisX()->min();
     const double wanted = isIn ? 65536 : 262144;
     QVERIFY2(qAbs(span - wanted) <= 512, qPrintable(QString::number(span)));
 }
 
 void ChartZoomTest::theWheelPositionIsTakenAsAChartPosition()
 {
-    ZoomBench bench(-1048576, 1048576, -1048576, 1048576);
-    bench.standAt(700000, 700000);
-    const QPoint atView = bench.chart()->plotArea().center().toPoint() + QPoint(120, -80);
-    const QPoint atPanel = bench.view()->viewport()->mapTo(bench.tool(), atView);
+    ZoomRig rig(-1048576, 1048576, -1048576, 1048576);
+    rig.standAt(700000, 700000);
+    const QPoint atView = rig.chart()->plotArea().center().toPoint() + QPoint(120, -80);
+    const QPoint atPanel = rig.view()->viewport()->mapTo(rig.tool(), atView);
     QVERIFY(atPanel != atView);
-    const HeldKeys ctrl(bench.tool(), Qt::ControlModifier);
+    const HeldKeys ctrl(rig.tool(), Qt::ControlModifier);
     for (int delta : {120, 120, -120}) {
-        const QPointF before = bench.chart()->mapToValue(atPanel);
-        turnWheel(bench, atView, QPoint(0, delta));
-        const QPointF after = bench.chart()->mapToValue(atPanel);
+        const QPointF before = rig.chart()->mapToValue(atPanel);
+        turnWheel(rig, atView, QPoint(0, delta));
+        const QPointF after = rig.chart()->mapToValue(atPanel);
         // Half the threshold's worth and what the grid adds at either end.
         QVERIFY2(qAbs(after.x() - before.x()) <= 384, qPrintable(QString::number(after.x())));
         QVERIFY2(qAbs(after.y() - before.y()) <= 384, qPrintable(QString::number(after.y())));
@@ -214,28 +214,28 @@ void ChartZoomTest::theWheelPositionIsTakenAsAChartPosition()
 
 void ChartZoomTest::theWheelPositionIsOnTheButtonDuringItsClick()
 {
-    ZoomBench bench(-4096, 4096, -4096, 4096);
-    const HeldKeys ctrl(bench.tool(), Qt::ControlModifier);
-    for (QPushButton *button : {bench.in(), bench.out()}) {
+    ZoomRig rig(-4096, 4096, -4096, 4096);
+    const HeldKeys ctrl(rig.tool(), Qt::ControlModifier);
+    for (QPushButton *button : {rig.in(), rig.out()}) {
         QVariant during;
         connect(button, &QPushButton::clicked,
                 [&during, button] { during = button->property("ZoomPt"); });
         const QPoint at(150, 120);
-        turnWheel(bench, at, QPoint(0, button == bench.in() ? 120 : -120));
-        QCOMPARE(during, QVariant(bench.view()->viewport()->mapTo(bench.tool(), at)));
+        turnWheel(rig, at, QPoint(0, button == rig.in() ? 120 : -120));
+        QCOMPARE(during, QVariant(rig.view()->viewport()->mapTo(rig.tool(), at)));
         QVERIFY(!button->dynamicPropertyNames().contains("ZoomPt"));
     }
 }
 
 void ChartZoomTest::aWheelPositionIsRoundedHalvesUpward()
 {
-    ZoomBench bench(-4096, 4096, -4096, 4096);
-    const HeldKeys ctrl(bench.tool(), Qt::ControlModifier);
+    ZoomRig rig(-4096, 4096, -4096, 4096);
+    const HeldKeys ctrl(rig.tool(), Qt::ControlModifier);
     QVariant during;
-    connect(bench.in(), &QPushButton::clicked, [&] { during = bench.in()->property("ZoomPt"); });
-    callWheel(bench, QPointF(100.5, 99.4), QPoint(0, 120), false);
+    connect(rig.in(), &QPushButton::clicked, [&] { during = rig.in()->property("ZoomPt"); });
+    callWheel(rig, QPointF(100.5, 99.4), QPoint(0, 120), false);
     QCOMPARE(during, QVariant(QPoint(101, 99)));
-    callWheel(bench, QPointF(-2.5, -2.6), QPoint(0, 120), false);
+    callWheel(rig, QPointF(-2.5, -2.6), QPoint(0, 120), false);
     QCOMPARE(during, QVariant(QPoint(-2, -3)));
 }
 
@@ -252,46 +252,46 @@ void ChartZoomTest::withoutExactlyCtrlTheWheelDoesNothing_data()
 void ChartZoomTest::withoutExactlyCtrlTheWheelDoesNothing()
 {
     QFETCH(int, held);
-    ZoomBench bench(-4096, 4096, -4096, 4096);
-    bench.standAt(3000, 3000);
-    QSignalSpy in(bench.in(), &QPushButton::clicked);
-    QSignalSpy out(bench.out(), &QPushButton::clicked);
-    const HeldKeys keys(bench.tool(), Qt::KeyboardModifiers(held));
-    turnWheel(bench, QPointF(150, 120), QPoint(0, 120));
-    turnWheel(bench, QPointF(150, 120), QPoint(0, -120));
-    QVERIFY(callWheel(bench, QPointF(150, 120), QPoint(0, 120), true));
-    QVERIFY(!callWheel(bench, QPointF(150, 120), QPoint(0, 120), false));
+    ZoomRig rig(-4096, 4096, -4096, 4096);
+    rig.standAt(3000, 3000);
+    QSignalSpy in(rig.in(), &QPushButton::clicked);
+    QSignalSpy out(rig.out(), &QPushButton::clicked);
+    const HeldKeys keys(rig.tool(), Qt::KeyboardModifiers(held));
+    turnWheel(rig, QPointF(150, 120), QPoint(0, 120));
+    turnWheel(rig, QPointF(150, 120), QPoint(0, -120));
+    QVERIFY(callWheel(rig, QPointF(150, 120), QPoint(0, 120), true));
+    QVERIFY(!callWheel(rig, QPointF(150, 120), QPoint(0, 120), false));
     QCOMPARE(in.count() + out.count(), 0);
-    QCOMPARE(bench.limits(), QStringLiteral("-4096 4096 -4096 4096"));
+    QCOMPARE(rig.limits(), QStringLiteral("-4096 4096 -4096 4096"));
 }
 
 void ChartZoomTest::theKeyboardCountsAndNotTheWheelEvent()
 {
-    ZoomBench bench(-4096, 4096, -4096, 4096);
-    QVERIFY(!callWheel(bench, QPointF(150, 120), QPoint(0, 120), false, Qt::ControlModifier));
-    QCOMPARE(bench.limits(), QStringLiteral("-4096 4096 -4096 4096"));
+    ZoomRig rig(-4096, 4096, -4096, 4096);
+    QVERIFY(!callWheel(rig, QPointF(150, 120), QPoint(0, 120), false, Qt::ControlModifier));
+    QCOMPARE(rig.limits(), QStringLiteral("-4096 4096 -4096 4096"));
 }
 
 void ChartZoomTest::aTurnWithCtrlIsAccepted()
 {
-    ZoomBench bench(-4096, 4096, -4096, 4096);
-    const HeldKeys ctrl(bench.tool(), Qt::ControlModifier);
-    QVERIFY(turnWheel(bench, QPointF(150, 120), QPoint(0, 120)));
-    QVERIFY(callWheel(bench, QPointF(150, 120), QPoint(0, 120), false));
-    QVERIFY(callWheel(bench, QPointF(150, 120), QPoint(0, -120), false));
+    ZoomRig rig(-4096, 4096, -4096, 4096);
+    const HeldKeys ctrl(rig.tool(), Qt::ControlModifier);
+    QVERIFY(turnWheel(rig, QPointF(150, 120), QPoint(0, 120)));
+    QVERIFY(callWheel(rig, QPointF(150, 120), QPoint(0, 120), false));
+    QVERIFY(callWheel(rig, QPointF(150, 120), QPoint(0, -120), false));
 }
 
 void ChartZoomTest::aRubberBandZoomsIn()
 {
-    ZoomBench bench(-16384, 16384, -16384, 16384);
-    bench.driveAround(12000);
-    bench.target()->setProperty("NewPt", false);
-    const QPoint centre = bench.chart()->plotArea().center().toPoint();
-    const QPointF low = bench.chart()->mapToValue(centre + QPoint(-60, 50));
-    const QPointF high = bench.chart()->mapToValue(centre + QPoint(60, -50));
-    const QPointF newest = bench.trace()->at(bench.trace()->count() - 1);
-    QWidget *viewport = bench.view()->viewport();
-    const HeldKeys ctrl(bench.tool(), Qt::ControlModifier);
+    ZoomRig rig(-16384, 16384, -16384, 16384);
+    rig.driveAround(12000);
+    rig.target()->setProperty("NewPt", false);
+    const QPoint centre = rig.chart()->plotArea().center().toPoint();
+    const QPointF low = rig.chart()->mapToValue(centre + QPoint(-60, 50));
+    const QPointF high = rig.chart()->mapToValue(centre + QPoint(60, -50));
+    const QPointF newest = rig.trace()->at(rig.trace()->count() - 1);
+    QWidget *viewport = rig.view()->viewport();
+    const HeldKeys ctrl(rig.tool(), Qt::ControlModifier);
     const auto send = [viewport](QEvent::Type type, QPoint at, Qt::MouseButton button) {
         QMouseEvent event(type, at, button,
                           type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton,
@@ -299,32 +299,32 @@ void ChartZoomTest::aRubberBandZoomsIn()
         QCoreApplication::sendEvent(viewport, &event);
     };
     QVector<QPointF> first;
-    connect(bench.trace(), &QtCharts::QXYSeries::pointsReplaced, bench.trace(), [&] {
+    connect(rig.trace(), &QtCharts::QXYSeries::pointsReplaced, rig.trace(), [&] {
         if (first.isEmpty())
-            first = bench.trace()->pointsVector();
+            first = rig.trace()->pointsVector();
     });
     send(QEvent::MouseButtonPress, centre - QPoint(60, 50), Qt::LeftButton);
     send(QEvent::MouseMove, centre + QPoint(60, 50), Qt::NoButton);
     send(QEvent::MouseButtonRelease, centre + QPoint(60, 50), Qt::LeftButton);
     QCOMPARE(first, QVector<QPointF>{newest});
-    QVERIFY(bench.trace()->count() > 1);
-    const double tolerance = 512 + 32768.0 / bench.chart()->plotArea().height();
-    QVERIFY(qAbs(bench.axisX()->min() - low.x()) < tolerance);
-    QVERIFY(qAbs(bench.axisX()->max() - high.x()) < tolerance);
-    QVERIFY(qAbs(bench.axisY()->min() - low.y()) < tolerance);
-    QVERIFY(qAbs(bench.axisY()->max() - high.y()) < tolerance);
-    QCOMPARE(bench.axisX()->min(), double(bench.widget<QSpinBox>("spM0min")->value()));
-    QCOMPARE(bench.axisY()->max(), double(bench.widget<QSpinBox>("spM1max")->value()));
-    QVERIFY(!bench.target()->property("NewPt").toBool());
+    QVERIFY(rig.trace()->count() > 1);
+    const double tolerance = 512 + 32768.0 / rig.chart()->plotArea().height();
+    QVERIFY(qAbs(rig.axisX()->min() - low.x()) < tolerance);
+    QVERIFY(qAbs(rig.axisX()->max() - high.x()) < tolerance);
+    QVERIFY(qAbs(rig.axisY()->min() - low.y()) < tolerance);
+    QVERIFY(qAbs(rig.axisY()->max() - high.y()) < tolerance);
+    QCOMPARE(rig.axisX()->min(), double(rig.widget<QSpinBox>("spM0min")->value()));
+    QCOMPARE(rig.axisY()->max(), double(rig.widget<QSpinBox>("spM1max")->value()));
+    QVERIFY(!rig.target()->property("NewPt").toBool());
 }
 
 void ChartZoomTest::ctrlAndRightClickZoomsOut()
 {
-    ZoomBench bench(-4096, 4096, -4096, 4096);
-    const HeldKeys ctrl(bench.tool(), Qt::ControlModifier);
-    QTest::mouseClick(bench.view()->viewport(), Qt::RightButton, Qt::ControlModifier,
-                      bench.chart()->plotArea().center().toPoint());
-    QCOMPARE(bench.limits(), QStringLiteral("-8192 8192 -8192 8192"));
+    ZoomRig rig(-4096, 4096, -4096, 4096);
+    const HeldKeys ctrl(rig.tool(), Qt::ControlModifier);
+    QTest::mouseClick(rig.view()->viewport(), Qt::RightButton, Qt::ControlModifier,
+                      rig.chart()->plotArea().center().toPoint());
+    QCOMPARE(rig.limits(), QStringLiteral("-8192 8192 -8192 8192"));
 }
 
 QTEST_MAIN(ChartZoomTest)

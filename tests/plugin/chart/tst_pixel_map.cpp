@@ -30,9 +30,9 @@ bool isClose(double a, double b)
 }
 
 /// Two series with the same axes in a chart that is on screen.
-struct MapBench
+struct MapRig
 {
-    MapBench()
+    MapRig()
     {
         auto *first = new QtCharts::QScatterSeries;
         chart()->addSeries(first);
@@ -157,71 +157,71 @@ void PixelMapTest::itAgreesToTheLastBitForWholeLimits_data()
 void PixelMapTest::itAgreesToTheLastBitForWholeLimits()
 {
     QFETCH(bool, wholePlotArea);
-    MapBench bench;
+    MapRig rig;
     for (int i = 0; i < 4000; ++i) {
         if (i % 7 == 0)
-            bench.setAnyPlotArea();
+            rig.setAnyPlotArea();
         if (wholePlotArea)
-            bench.chart()->setPlotArea(bench.chart()->plotArea().toAlignedRect());
-        bench.setWholeRange(i % 2 ? bench.x : bench.y);
-        QCOMPARE(bench.disagreement(true), QString());
+            rig.chart()->setPlotArea(rig.chart()->plotArea().toAlignedRect());
+        rig.setWholeRange(i % 2 ? rig.x : rig.y);
+        QCOMPARE(rig.disagreement(true), QString());
     }
 }
 
 void PixelMapTest::itAgreesForAnyLimits()
 {
-    MapBench bench;
+    MapRig rig;
     for (int i = 0; i < 4000; ++i) {
         if (i % 7 == 0)
-            bench.setAnyPlotArea();
-        bench.setAnyRange(i % 2 ? bench.x : bench.y);
-        QCOMPARE(bench.disagreement(false), QString());
+            rig.setAnyPlotArea();
+        rig.setAnyRange(i % 2 ? rig.x : rig.y);
+        QCOMPARE(rig.disagreement(false), QString());
     }
 }
 
 void PixelMapTest::itAgreesWithALaidOutChart()
 {
-    MapBench bench;
-    bench.view.show();
+    MapRig rig;
+    rig.view.show();
     for (int i = 0; i < 60; ++i) {
-        bench.view.resize(int(bench.between(300, 1500)), int(bench.between(300, 1000)));
-        bench.setWholeRange(bench.x);
-        bench.setWholeRange(bench.y);
+        rig.view.resize(int(rig.between(300, 1500)), int(rig.between(300, 1000)));
+        rig.setWholeRange(rig.x);
+        rig.setWholeRange(rig.y);
         QCoreApplication::sendPostedEvents();
-        QVERIFY(bench.chart()->plotArea().width() > 50);
-        QCOMPARE(bench.disagreement(true), QString());
+        QVERIFY(rig.chart()->plotArea().width() > 50);
+        QCOMPARE(rig.disagreement(true), QString());
     }
 }
 
 void PixelMapTest::itAgreesBetweenTheChangesOfBothAxes()
 {
-    MapBench bench;
+    MapRig rig;
     int handled = 0;
     QString first;
     const auto check = [&] {
         ++handled;
         if (first.isEmpty())
-            first = bench.disagreement(false, 10);
+            first = rig.disagreement(false, 10);
     };
-    connect(bench.x, &QtCharts::QValueAxis::rangeChanged, this, check);
-    connect(bench.y, &QtCharts::QValueAxis::rangeChanged, this, check);
+    connect(rig.x, &QtCharts::QValueAxis::rangeChanged, this, check);
+    connect(rig.y, &QtCharts::QValueAxis::rangeChanged, this, check);
     for (int i = 0; i < 500; ++i) {
-        bench.setAnyPlotArea();
-        bench.setAnyRange(bench.x);
-        bench.setAnyRange(bench.y);
-        const QRectF plot = bench.chart()->plotArea();
+        rig.setAnyPlotArea();
+        rig.setAnyRange(rig.x);
+        rig.setAnyRange(rig.y);
+        const QRectF plot = rig.chart()->plotArea();
         switch (i % 4) {
         case 0:
-            bench.chart()->zoomIn();
+            rig.chart()->zoomIn();
             break;
         case 1:
-            bench.chart()->zoomOut();
+            rig.chart()->zoomOut();
             break;
         case 2:
-            bench.chart()->zoomIn(plot.adjusted(3.25, 7.5, -plot.width() / 3, -1.125));
+            rig.chart()->zoomIn(plot.adjusted(3.25, 7.5, -plot.width() / 3, -1.125));
             break;
         default:
-            bench.chart()->scroll(bench.between(-50, 50), bench.between(-50, 50));
+            rig.chart()->scroll(rig.between(-50, 50), rig.between(-50, 50));
             break;
         }
         check();
@@ -249,48 +249,48 @@ void PixelMapTest::itAgreesAtTheExtremes()
 {
     QFETCH(double, min);
     QFETCH(double, max);
-    MapBench bench;
+    MapRig rig;
     for (int i = 0; i < 50; ++i) {
-        bench.setAnyPlotArea();
-        bench.x->setRange(min, max);
-        bench.setAnyRange(bench.y);
-        QCOMPARE(bench.disagreement(false, 100), QString());
-        bench.y->setRange(min, max);
-        bench.setAnyRange(bench.x);
-        QCOMPARE(bench.disagreement(false, 100), QString());
+        rig.setAnyPlotArea();
+        rig.x->setRange(min, max);
+        rig.setAnyRange(rig.y);
+        QCOMPARE(rig.disagreement(false, 100), QString());
+        rig.y->setRange(min, max);
+        rig.setAnyRange(rig.x);
+        QCOMPARE(rig.disagreement(false, 100), QString());
     }
 }
 
 void PixelMapTest::aMapOutlivesTheRangeItWasTakenIn()
 {
-    MapBench bench;
-    bench.setAnyPlotArea();
-    bench.x->setRange(-1024, 3072);
-    bench.y->setRange(-512, 512);
+    MapRig rig;
+    rig.setAnyPlotArea();
+    rig.x->setRange(-1024, 3072);
+    rig.y->setRange(-512, 512);
     const QPointF value(777, -99);
-    const QPointF before = bench.chart()->mapToPosition(value, bench.series);
-    const PixelMap map = bench.map();
-    bench.chart()->zoomIn();
-    QVERIFY(bench.chart()->mapToPosition(value, bench.series) != before);
+    const QPointF before = rig.chart()->mapToPosition(value, rig.series);
+    const PixelMap map = rig.map();
+    rig.chart()->zoomIn();
+    QVERIFY(rig.chart()->mapToPosition(value, rig.series) != before);
     QCOMPARE(map.position(value), before);
 }
 
 void PixelMapTest::mapsOfTheSameMomentAreEqual()
 {
-    MapBench bench;
-    bench.setAnyPlotArea();
-    bench.x->setRange(-1024, 3072);
-    const PixelMap map = bench.map();
-    QVERIFY(map == bench.map());
-    bench.x->setRange(-1024, 3328);
-    QVERIFY(!(map == bench.map()));
-    bench.x->setRange(-1024, 3072);
-    QVERIFY(map == bench.map());
-    bench.y->setRange(-5, 6);
-    QVERIFY(!(map == bench.map()));
-    const PixelMap other = bench.map();
-    bench.chart()->setPlotArea(bench.chart()->plotArea().translated(0, 1));
-    QVERIFY(!(other == bench.map()));
+    MapRig rig;
+    rig.setAnyPlotArea();
+    rig.x->setRange(-1024, 3072);
+    const PixelMap map = rig.map();
+    QVERIFY(map == rig.map());
+    rig.x->setRange(-1024, 3328);
+    QVERIFY(!(map == rig.map()));
+    rig.x->setRange(-1024, 3072);
+    QVERIFY(map == rig.map());
+    rig.y->setRange(-5, 6);
+    QVERIFY(!(map == rig.map()));
+    const PixelMap other = rig.map();
+    rig.chart()->setPlotArea(rig.chart()->plotArea().translated(0, 1));
+    QVERIFY(!(other == rig.map()));
 }
 
 void PixelMapTest::itAgreesWithoutAPlotArea_data()
@@ -305,24 +305,24 @@ void PixelMapTest::itAgreesWithoutAPlotArea_data()
 void PixelMapTest::itAgreesWithoutAPlotArea()
 {
     QFETCH(QRectF, area);
-    MapBench bench;
-    bench.x->setRange(-1024, 3072);
-    bench.y->setRange(-512, 512);
+    MapRig rig;
+    rig.x->setRange(-1024, 3072);
+    rig.y->setRange(-512, 512);
     for (const QRectF &before : {QRectF(), QRectF(20, 20, 500, 400)}) {
-        bench.chart()->setPlotArea(before);
-        bench.chart()->setPlotArea(area);
-        QCOMPARE(bench.disagreement(true), QString());
+        rig.chart()->setPlotArea(before);
+        rig.chart()->setPlotArea(area);
+        QCOMPARE(rig.disagreement(true), QString());
     }
 }
 
 void PixelMapTest::itAgreesWithAChartTooSmallForAPlotArea()
 {
-    MapBench bench;
-    bench.setAnyRange(bench.x);
-    bench.view.resize(1, 1);
-    bench.view.show();
+    MapRig rig;
+    rig.setAnyRange(rig.x);
+    rig.view.resize(1, 1);
+    rig.view.show();
     QCoreApplication::sendPostedEvents();
-    QCOMPARE(bench.disagreement(false), QString());
+    QCOMPARE(rig.disagreement(false), QString());
 }
 
 QTEST_MAIN(PixelMapTest)

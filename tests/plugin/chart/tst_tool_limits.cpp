@@ -1,5 +1,5 @@
 #include "HeadlessPlatform.h"
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -57,48 +57,48 @@ void ToolLimitsTest::aPushWidensTheAxisByATick()
 {
     QFETCH(QPoint, outer);
     QFETCH(QString, limits);
-    ToolBench bench;
-    bench.setLimits(0, 4096, 0, 8192);
-    bench.setTarget(QPointF(5, 5), outer);
-    QCOMPARE(bench.limits(), limits);
+    ToolRig rig;
+    rig.setLimits(0, 4096, 0, 8192);
+    rig.setTarget(QPointF(5, 5), outer);
+    QCOMPARE(rig.limits(), limits);
     const QStringList wanted = limits.split(QLatin1Char(' '));
-    QCOMPARE(bench.axisX()->min(), wanted.at(0).toDouble());
-    QCOMPARE(bench.axisX()->max(), wanted.at(1).toDouble());
-    QCOMPARE(bench.axisY()->min(), wanted.at(2).toDouble());
-    QCOMPARE(bench.axisY()->max(), wanted.at(3).toDouble());
+    QCOMPARE(rig.axisX()->min(), wanted.at(0).toDouble());
+    QCOMPARE(rig.axisX()->max(), wanted.at(1).toDouble());
+    QCOMPARE(rig.axisY()->min(), wanted.at(2).toDouble());
+    QCOMPARE(rig.axisY()->max(), wanted.at(3).toDouble());
 }
 
 void ToolLimitsTest::aPushAlsoCountsWithTheSameTarget()
 {
-    ToolBench bench;
-    bench.setLimits(0, 4096, 0, 4096);
-    bench.setTarget(QPointF(0, 0), QPoint(1, 0));
-    QVERIFY(!bench.target()->property("NewPt").toBool());
-    QCOMPARE(bench.limits(), QStringLiteral("0 4608 0 4096"));
+    ToolRig rig;
+    rig.setLimits(0, 4096, 0, 4096);
+    rig.setTarget(QPointF(0, 0), QPoint(1, 0));
+    QVERIFY(!rig.target()->property("NewPt").toBool());
+    QCOMPARE(rig.limits(), QStringLiteral("0 4608 0 4096"));
 }
 
 void ToolLimitsTest::aPushIsTruncatedAndNotRounded()
 {
     // 427 tick steps of 512.6 units each: rounded, the new limits would miss the grid by one.
     constexpr int span = 855 * 256;
-    ToolBench bench;
-    bench.setLimits(0, span, 0, span);
-    bench.axisX()->setTickCount(428);
-    bench.axisY()->setTickCount(428);
-    bench.setTarget(QPointF(5, 5), QPoint(-1, 1));
-    QCOMPARE(bench.limits(), QStringLiteral("-512 218880 -512 218880"));
-    bench.setLimits(-span, 0, -span, 0);
-    bench.setTarget(QPointF(5, 5), QPoint(1, -1));
-    QCOMPARE(bench.limits(), QStringLiteral("-218880 512 -218880 512"));
+    ToolRig rig;
+    rig.setLimits(0, span, 0, span);
+    rig.axisX()->setTickCount(428);
+    rig.axisY()->setTickCount(428);
+    rig.setTarget(QPointF(5, 5), QPoint(-1, 1));
+    QCOMPARE(rig.limits(), QStringLiteral("-512 218880 -512 218880"));
+    rig.setLimits(-span, 0, -span, 0);
+    rig.setTarget(QPointF(5, 5), QPoint(1, -1));
+    QCOMPARE(rig.limits(), QStringLiteral("-218880 512 -218880 512"));
 }
 
 void ToolLimitsTest::aDragPastTheRightEdgeWidensTheAxis()
 {
-    ToolBench bench;
-    bench.setLimits(0, 4096, 0, 4096);
-    bench.show();
-    QWidget *viewport = bench.view()->viewport();
-    const QRect plot = bench.chart()->plotArea().toRect();
+    ToolRig rig;
+    rig.setLimits(0, 4096, 0, 4096);
+    rig.show();
+    QWidget *viewport = rig.view()->viewport();
+    const QRect plot = rig.chart()->plotArea().toRect();
     const int y = plot.center().y();
     const auto drag = [&](int x) {
         QMouseEvent move(QEvent::MouseMove, QPointF(x, y), Qt::NoButton, Qt::LeftButton,
@@ -107,26 +107,26 @@ void ToolLimitsTest::aDragPastTheRightEdgeWidensTheAxis()
     };
     QTest::mousePress(viewport, Qt::LeftButton, Qt::NoModifier, plot.center());
     drag(plot.right() + 5);
-    QCOMPARE(bench.limits(), QStringLiteral("0 4096 0 4096"));
+    QCOMPARE(rig.limits(), QStringLiteral("0 4096 0 4096"));
     drag(plot.right() + 14);
-    QCOMPARE(bench.limits(), QStringLiteral("0 4608 0 4096"));
-    QCOMPARE(bench.axisX()->max(), 4608.0);
+    QCOMPARE(rig.limits(), QStringLiteral("0 4608 0 4096"));
+    QCOMPARE(rig.axisX()->max(), 4608.0);
     drag(plot.right() + 13);
-    QCOMPARE(bench.limits(), QStringLiteral("0 4608 0 4096"));
+    QCOMPARE(rig.limits(), QStringLiteral("0 4608 0 4096"));
     QTest::mouseRelease(viewport, Qt::LeftButton, Qt::NoModifier, plot.center());
 }
 
 void ToolLimitsTest::aPushAtTheEndOfTheWorldStaysThere()
 {
-    ToolBench bench;
-    bench.setLimits(-8388352, 8388352, -8388352, 8388352);
-    const QString widest = bench.limits();
+    ToolRig rig;
+    rig.setLimits(-8388352, 8388352, -8388352, 8388352);
+    const QString widest = rig.limits();
     QCOMPARE(widest, QStringLiteral("-8388352 8388352 -8388352 8388352"));
-    bench.setTarget(QPointF(1, 1), QPoint(1, 1));
-    bench.setTarget(QPointF(1, 1), QPoint(-1, -1));
-    QCOMPARE(bench.limits(), widest);
-    QCOMPARE(bench.axisX()->max(), 8388352.0);
-    QCOMPARE(bench.axisY()->min(), -8388352.0);
+    rig.setTarget(QPointF(1, 1), QPoint(1, 1));
+    rig.setTarget(QPointF(1, 1), QPoint(-1, -1));
+    QCOMPARE(rig.limits(), widest);
+    QCOMPARE(rig.axisX()->max(), 8388352.0);
+    QCOMPARE(rig.axisY()->min(), -8388352.0);
 }
 
 void ToolLimitsTest::limitsSnapToTheGrid_data()
@@ -154,21 +154,21 @@ void ToolLimitsTest::limitsSnapToTheGrid()
     QFETCH(int, lower);
     QFETCH(int, upper);
     for (const char *axis : {"spM0", "spM1"}) {
-        ToolBench bench;
-        bench.setLimits(-8192, 8192, -8192, 8192);
-        auto *min = bench.widget<QSpinBox>(QByteArray(axis) + "min");
-        auto *max = bench.widget<QSpinBox>(QByteArray(axis) + "max");
+        ToolRig rig;
+        rig.setLimits(-8192, 8192, -8192, 8192);
+        auto *min = rig.widget<QSpinBox>(QByteArray(axis) + "min");
+        auto *max = rig.widget<QSpinBox>(QByteArray(axis) + "max");
         const bool isX = axis[3] == '0';
         min->setValue(value);
         QCOMPARE(min->value(), lower);
         QCOMPARE(max->minimum(), lower + 512);
-        QCOMPARE((isX ? bench.axisX() : bench.axisY())->min(), double(lower));
+        QCOMPARE((isX ? rig.axisX() : rig.axisY())->min(), double(lower));
         min->setValue(-8192);
         max->setValue(value);
         QCOMPARE(max->value(), upper);
         QCOMPARE(min->maximum(), upper - 512);
-        QCOMPARE((isX ? bench.axisX() : bench.axisY())->max(), double(upper));
-        QCOMPARE((isX ? bench.axisY() : bench.axisX())->max(), 8192.0);
+        QCOMPARE((isX ? rig.axisX() : rig.axisY())->max(), double(upper));
+        QCOMPARE((isX ? rig.axisY() : rig.axisX())->max(), 8192.0);
     }
 }
 
@@ -190,10 +190,10 @@ void ToolLimitsTest::aLimitTypedKeyByKeySnapsToTheGrid()
     QFETCH(QByteArray, name);
     QFETCH(QString, text);
     QFETCH(int, shown);
-    ToolBench bench;
-    bench.setLimits(-8192, 8192, -8192, 8192);
-    bench.show();
-    auto *box = bench.widget<QSpinBox>(name);
+    ToolRig rig;
+    rig.setLimits(-8192, 8192, -8192, 8192);
+    rig.show();
+    auto *box = rig.widget<QSpinBox>(name);
     box->setFocus();
     box->selectAll();
     QTest::keyClicks(box, text);
@@ -218,10 +218,10 @@ void ToolLimitsTest::aPastedLimitSnapsToTheGrid()
     QFETCH(QByteArray, name);
     QFETCH(QString, text);
     QFETCH(int, shown);
-    ToolBench bench;
-    bench.setLimits(-8192, 8192, -8192, 8192);
-    bench.show();
-    auto *box = bench.widget<QSpinBox>(name);
+    ToolRig rig;
+    rig.setLimits(-8192, 8192, -8192, 8192);
+    rig.show();
+    auto *box = rig.widget<QSpinBox>(name);
     box->setFocus();
     box->selectAll();
     QGuiApplication::clipboard()->setText(text);
@@ -233,42 +233,42 @@ void ToolLimitsTest::aPastedLimitSnapsToTheGrid()
 
 void ToolLimitsTest::theArrowKeysStepByOneGridStep()
 {
-    ToolBench bench;
-    bench.show();
-    auto *box = bench.widget<QSpinBox>("spM0max");
+    ToolRig rig;
+    rig.show();
+    auto *box = rig.widget<QSpinBox>("spM0max");
     QTest::keyClick(box, Qt::Key_Up);
-    QCOMPARE(bench.axisX()->max(), 512.0);
+    QCOMPARE(rig.axisX()->max(), 512.0);
     QTest::keyClick(box, Qt::Key_Down);
     QTest::keyClick(box, Qt::Key_Down);
-    QCOMPARE(bench.axisX()->max(), 256.0);
+    QCOMPARE(rig.axisX()->max(), 256.0);
 }
 
 void ToolLimitsTest::limitsKeepTheirDistance()
 {
-    ToolBench bench;
-    bench.setLimits(0, 4096, 0, 4096);
+    ToolRig rig;
+    rig.setLimits(0, 4096, 0, 4096);
     for (const char *axis : {"spM0", "spM1"}) {
-        auto *min = bench.widget<QSpinBox>(QByteArray(axis) + "min");
-        auto *max = bench.widget<QSpinBox>(QByteArray(axis) + "max");
+        auto *min = rig.widget<QSpinBox>(QByteArray(axis) + "min");
+        auto *max = rig.widget<QSpinBox>(QByteArray(axis) + "max");
         min->setValue(4000);
         QCOMPARE(min->value(), 3584);
         min->setValue(0);
         max->setValue(1);
         QCOMPARE(max->value(), 512);
     }
-    QCOMPARE(bench.axisX()->max(), 512.0);
-    QCOMPARE(bench.axisY()->max(), 512.0);
+    QCOMPARE(rig.axisX()->max(), 512.0);
+    QCOMPARE(rig.axisY()->max(), 512.0);
 }
 
 void ToolLimitsTest::extremeLimitsAreSurvived()
 {
-    ToolBench bench;
+    ToolRig rig;
     for (const char *slot : {"on_spM0min_valueChanged", "on_spM0max_valueChanged",
                              "on_spM1min_valueChanged", "on_spM1max_valueChanged"}) {
         for (int value : {lowest, lowest + 1, lowest + 255, highest, highest - 255, 1, -1})
-            QVERIFY(QMetaObject::invokeMethod(bench.tool(), slot, Q_ARG(int, value)));
+            QVERIFY(QMetaObject::invokeMethod(rig.tool(), slot, Q_ARG(int, value)));
     }
-    ToolBench other;
+    ToolRig other;
     for (const char *name : {"spM0min", "spM0max", "spM1min", "spM1max"}) {
         for (int value : {lowest, highest})
             other.widget<QSpinBox>(name)->setValue(value);

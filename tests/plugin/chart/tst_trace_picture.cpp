@@ -1,5 +1,5 @@
 #include "HeadlessPlatform.h"
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include <QGraphicsLayout>
 #include <QPainter>
@@ -52,12 +52,12 @@ class PicturePair
 public:
     PicturePair()
     {
-        bench.show();
+        rig.show();
         // Such a velocity never ends the move.
-        bench.setRegister(QStringLiteral("M0_VACTUAL"), 5);
-        bench.call("on_pbStart_clicked");
-        bench.widget<QSpinBox>("spTraces")->setValue(400);
-        leaveOnlyTheTrace(bench.view());
+        rig.setRegister(QStringLiteral("M0_VACTUAL"), 5);
+        rig.call("on_pbStart_clicked");
+        rig.widget<QSpinBox>("spTraces")->setValue(400);
+        leaveOnlyTheTrace(rig.view());
 
         plain.chart()->addSeries(line);
         for (auto *axis : {x, y}) {
@@ -65,7 +65,7 @@ public:
             line->attachAxis(axis);
         }
         leaveOnlyTheTrace(&plain);
-        plain.setRenderHints(bench.view()->renderHints());
+        plain.setRenderHints(rig.view()->renderHints());
         plain.chart()->layout()->setContentsMargins(0, 0, 0, 0);
         plain.show();
         setPlotArea(QRectF(40, 20, 500, 400));
@@ -73,7 +73,7 @@ public:
 
     void setPlotArea(const QRectF &area)
     {
-        bench.chart()->setPlotArea(area);
+        rig.chart()->setPlotArea(area);
         plain.chart()->setPlotArea(area);
     }
 
@@ -85,25 +85,25 @@ public:
             at += QPointF(std::cos(angle), std::sin(angle)) * step;
             if (std::abs(at.x()) > 1900 || std::abs(at.y()) > 1900)
                 at *= 0.2;
-            bench.sample(qRound(at.x()), qRound(at.y()));
+            rig.sample(qRound(at.x()), qRound(at.y()));
         }
-        bench.updateTick();
+        rig.updateTick();
     }
 
     /// Makes the plain chart show what the tool's trace holds now.
     void copy()
     {
         QCoreApplication::sendPostedEvents();
-        plain.resize(bench.view()->size());
-        x->setRange(bench.axisX()->min(), bench.axisX()->max());
-        y->setRange(bench.axisY()->min(), bench.axisY()->max());
-        line->setPen(bench.trace()->pen());
-        line->setVisible(bench.trace()->isVisible());
-        line->replace(bench.trace()->pointsVector());
+        plain.resize(rig.view()->size());
+        x->setRange(rig.axisX()->min(), rig.axisX()->max());
+        y->setRange(rig.axisY()->min(), rig.axisY()->max());
+        line->setPen(rig.trace()->pen());
+        line->setVisible(rig.trace()->isVisible());
+        line->replace(rig.trace()->pointsVector());
         QCoreApplication::sendPostedEvents();
     }
 
-    ToolBench bench;
+    ToolRig rig;
     QtCharts::QChartView plain;
     std::mt19937 random{seed()};
 
@@ -228,15 +228,15 @@ void TracePictureTest::theChartWouldDrawTheSame()
     QFETCH(double, ratio);
     QFETCH(bool, wholePlotArea);
     PicturePair pair;
-    ToolBench &bench = pair.bench;
+    ToolRig &rig = pair.rig;
     const auto random = [&](int low, int high) { return low + int(pair.random() % (high - low)); };
     const std::function<void()> others[] = {
-        [&] { bench.widget<QPushButton>("btnZoomIn")->click(); },
-        [&] { bench.widget<QPushButton>("btnZoomOut")->click(); },
-        [&] { bench.call("on_btnClearTraces_clicked"); },
-        [&] { bench.widget<QSpinBox>("spTraces")->setValue(random(10, 600)); },
-        [&] { bench.tool()->resize(random(800, 1000), random(500, 700)); },
-        [&] { bench.setLimits(-2048, random(2, 8) * 256, -1024, random(2, 8) * 256); },
+        [&] { rig.widget<QPushButton>("btnZoomIn")->click(); },
+        [&] { rig.widget<QPushButton>("btnZoomOut")->click(); },
+        [&] { rig.call("on_btnClearTraces_clicked"); },
+        [&] { rig.widget<QSpinBox>("spTraces")->setValue(random(10, 600)); },
+        [&] { rig.tool()->resize(random(800, 1000), random(500, 700)); },
+        [&] { rig.setLimits(-2048, random(2, 8) * 256, -1024, random(2, 8) * 256); },
         [&] {
             const double part = wholePlotArea ? 0 : random(1, 99) / 100.0;
             pair.setPlotArea(QRectF(random(0, 60) + part, random(0, 60) + part,
@@ -248,10 +248,10 @@ void TracePictureTest::theChartWouldDrawTheSame()
         if (round % 3 == 2)
             others[pair.random() % std::size(others)]();
         pair.copy();
-        const QImage seen = picture(bench.view(), ratio);
+        const QImage seen = picture(rig.view(), ratio);
         QCOMPARE(difference(seen, picture(&pair.plain, ratio)), QString());
         // Kept, and so drawn the same once more.
-        QCOMPARE(difference(seen, picture(bench.view(), ratio)), QString());
+        QCOMPARE(difference(seen, picture(rig.view(), ratio)), QString());
         drawn = qMax(drawn, drawnPixels(seen));
     }
     QVERIFY(drawn > 500);
@@ -264,18 +264,18 @@ void TracePictureTest::aDifferenceIsSeen()
     pair.copy();
     const QImage before = picture(&pair.plain, 1);
     pair.drive(1, 12);
-    QVERIFY(!difference(picture(pair.bench.view(), 1), before).isEmpty());
+    QVERIFY(!difference(picture(pair.rig.view(), 1), before).isEmpty());
 }
 
 void TracePictureTest::partsAreDrawnAsTheWhole()
 {
     PicturePair pair;
-    pair.bench.setLimits(-512, 512, -512, 512);
+    pair.rig.setLimits(-512, 512, -512, 512);
     for (int round = 0; round < 30; ++round) {
         pair.drive(40, 12);
         pair.copy();
         const QImage whole = picture(&pair.plain, 1);
-        QWidget *viewport = pair.bench.view()->viewport();
+        QWidget *viewport = pair.rig.view()->viewport();
         QImage image = whole;
         for (int part = 0; part < 3; ++part) {
             const QRect rect(int(pair.random() % 500), int(pair.random() % 400),
@@ -284,7 +284,7 @@ void TracePictureTest::partsAreDrawnAsTheWhole()
             viewport->render(&image, rect.topLeft(), QRegion(rect));
         }
         QCOMPARE(difference(image, whole), QString());
-        QCOMPARE(difference(picture(pair.bench.view(), 1), whole), QString());
+        QCOMPARE(difference(picture(pair.rig.view(), 1), whole), QString());
     }
 }
 
@@ -295,11 +295,11 @@ void TracePictureTest::anyScaleIsDrawn()
         pair.drive(70, 9);
         pair.copy();
         QCOMPARE(
-            difference(scaledPicture(pair.bench.view(), scale), scaledPicture(&pair.plain, scale)),
+            difference(scaledPicture(pair.rig.view(), scale), scaledPicture(&pair.plain, scale)),
             QString());
         pair.drive(7, 9);
         pair.copy();
-        QCOMPARE(difference(picture(pair.bench.view(), 1), picture(&pair.plain, 1)), QString());
+        QCOMPARE(difference(picture(pair.rig.view(), 1), picture(&pair.plain, 1)), QString());
     }
 }
 
@@ -318,13 +318,13 @@ void TracePictureTest::otherPensAreDrawn()
 {
     QFETCH(QPen, pen);
     PicturePair pair;
-    pair.bench.widget<QSpinBox>("spTraces")->setValue(150);
+    pair.rig.widget<QSpinBox>("spTraces")->setValue(150);
     pair.drive(90, 12);
-    picture(pair.bench.view(), 1);
-    pair.bench.trace()->setPen(pen);
+    picture(pair.rig.view(), 1);
+    pair.rig.trace()->setPen(pen);
     for (int round = 0; round < 12; ++round) {
         pair.copy();
-        QCOMPARE(difference(picture(pair.bench.view(), 1), picture(&pair.plain, 1)), QString());
+        QCOMPARE(difference(picture(pair.rig.view(), 1), picture(&pair.plain, 1)), QString());
         pair.drive(30, 12);
     }
 }
@@ -333,15 +333,15 @@ void TracePictureTest::aHiddenTraceIsNotDrawn()
 {
     PicturePair pair;
     pair.drive(90, 12);
-    QVERIFY(drawnPixels(picture(pair.bench.view(), 1)) > 100);
-    pair.bench.trace()->hide();
+    QVERIFY(drawnPixels(picture(pair.rig.view(), 1)) > 100);
+    pair.rig.trace()->hide();
     pair.copy();
-    QCOMPARE(difference(picture(pair.bench.view(), 1), picture(&pair.plain, 1)), QString());
-    QCOMPARE(drawnPixels(picture(pair.bench.view(), 1)), drawnPixels(picture(&pair.plain, 1)));
+    QCOMPARE(difference(picture(pair.rig.view(), 1), picture(&pair.plain, 1)), QString());
+    QCOMPARE(drawnPixels(picture(pair.rig.view(), 1)), drawnPixels(picture(&pair.plain, 1)));
     pair.drive(30, 12);
-    pair.bench.trace()->show();
+    pair.rig.trace()->show();
     pair.copy();
-    QCOMPARE(difference(picture(pair.bench.view(), 1), picture(&pair.plain, 1)), QString());
+    QCOMPARE(difference(picture(pair.rig.view(), 1), picture(&pair.plain, 1)), QString());
 }
 
 void TracePictureTest::linesAlongTheEdgesShow()
@@ -351,12 +351,12 @@ void TracePictureTest::linesAlongTheEdgesShow()
         pair.setPlotArea(area);
         for (const QPoint &corner : {QPoint(-256, -256), QPoint(-256, 256), QPoint(256, 256),
                                      QPoint(256, -256), QPoint(-255, -256)})
-            pair.bench.sample(corner.x(), corner.y());
-        pair.bench.updateTick();
+            pair.rig.sample(corner.x(), corner.y());
+        pair.rig.updateTick();
         pair.copy();
-        QCOMPARE(pair.bench.limits(), QStringLiteral("-256 256 -256 256"));
+        QCOMPARE(pair.rig.limits(), QStringLiteral("-256 256 -256 256"));
         for (double ratio : {1.0, 1.25, 1.5, 2.0})
-            QCOMPARE(difference(picture(pair.bench.view(), ratio), picture(&pair.plain, ratio)),
+            QCOMPARE(difference(picture(pair.rig.view(), ratio), picture(&pair.plain, ratio)),
                      QString());
     }
 }
@@ -367,9 +367,9 @@ void TracePictureTest::theHistoryOfAnOwnScaleComesBack()
     pair.drive(300, 9);
     for (double ratio : {1.0, 2.0, 1.0}) {
         for (const char *button : {"btnZoomIn", "btnZoomOut"}) {
-            pair.bench.widget<QPushButton>(button)->click();
+            pair.rig.widget<QPushButton>(button)->click();
             pair.copy();
-            QCOMPARE(difference(picture(pair.bench.view(), ratio), picture(&pair.plain, ratio)),
+            QCOMPARE(difference(picture(pair.rig.view(), ratio), picture(&pair.plain, ratio)),
                      QString());
         }
     }
@@ -377,32 +377,32 @@ void TracePictureTest::theHistoryOfAnOwnScaleComesBack()
 
 void TracePictureTest::whatIsOnScreenIsUpToDate()
 {
-    ToolBench bench;
-    bench.show();
-    bench.setRegister(QStringLiteral("M0_VACTUAL"), 5);
-    bench.call("on_pbStart_clicked");
-    bench.widget<QSpinBox>("spTraces")->setValue(150);
-    bench.setLimits(-2048, 2048, -2048, 2048);
-    QWidget *viewport = bench.view()->viewport();
+    ToolRig rig;
+    rig.show();
+    rig.setRegister(QStringLiteral("M0_VACTUAL"), 5);
+    rig.call("on_pbStart_clicked");
+    rig.widget<QSpinBox>("spTraces")->setValue(150);
+    rig.setLimits(-2048, 2048, -2048, 2048);
+    QWidget *viewport = rig.view()->viewport();
     double angle = 0;
     int longest = 0;
     for (int tick = 0; tick < 60; ++tick) {
         for (int i = 0; i < 9; ++i, angle += 0.03)
-            bench.sample(qRound(1900 * std::cos(angle)), qRound(1500 * std::sin(2.3 * angle)));
-        bench.updateTick();
-        longest = qMax(longest, bench.trace()->count());
+            rig.sample(qRound(1900 * std::cos(angle)), qRound(1500 * std::sin(2.3 * angle)));
+        rig.updateTick();
+        longest = qMax(longest, rig.trace()->count());
         if (tick % 7 == 3)
-            bench.setTarget(QPointF(tick * 20, -tick * 10));
+            rig.setTarget(QPointF(tick * 20, -tick * 10));
         if (tick % 20 == 11)
-            bench.call("on_btnClearTraces_clicked");
+            rig.call("on_btnClearTraces_clicked");
         // What a tick takes away is painted behind what it adds.
         QCoreApplication::sendPostedEvents();
         QCoreApplication::sendPostedEvents();
-        const QPoint at = viewport->mapTo(bench.tool(), QPoint(0, 0));
-        const QPixmap shown = bench.tool()->screen()->grabWindow(
-            bench.tool()->winId(), at.x(), at.y(), viewport->width(), viewport->height());
+        const QPoint at = viewport->mapTo(rig.tool(), QPoint(0, 0));
+        const QPixmap shown = rig.tool()->screen()->grabWindow(
+            rig.tool()->winId(), at.x(), at.y(), viewport->width(), viewport->height());
         QCOMPARE(difference(shown.toImage().convertToFormat(QImage::Format_RGB32),
-                            picture(bench.view(), 1)),
+                            picture(rig.view(), 1)),
                  QString());
     }
     QCOMPARE(longest, 150);
@@ -423,7 +423,7 @@ void TracePictureTest::aTurnedViewIsDrawn()
             view->viewport()->render(&painter);
             return image;
         };
-        QCOMPARE(difference(turned(pair.bench.view()), turned(&pair.plain)), QString());
+        QCOMPARE(difference(turned(pair.rig.view()), turned(&pair.plain)), QString());
     }
 }
 

@@ -1,5 +1,5 @@
 #include "HeadlessPlatform.h"
-#include "PollBench.h"
+#include "PollRig.h"
 #include "TraceSeries.h"
 
 #include <QBuffer>
@@ -20,9 +20,9 @@
 
 namespace {
 
-struct WorkBench : PollBench
+struct WorkRig : PollRig
 {
-    WorkBench()
+    WorkRig()
     {
         makeWide();
         // Such a velocity never ends the move.
@@ -210,50 +210,50 @@ private slots:
 
 void TraceWorkTest::aTickChangesTheTraceOnce()
 {
-    WorkBench bench;
-    ChangeCount changes(bench.trace());
+    WorkRig rig;
+    ChangeCount changes(rig.trace());
     for (int points : {1, 2, 50, 500}) {
-        bench.saw(points);
+        rig.saw(points);
         QCOMPARE(changes.take(), 0);
-        const int before = bench.trace()->count();
-        bench.updateTick();
+        const int before = rig.trace()->count();
+        rig.updateTick();
         QCOMPARE(changes.take(), 1);
-        QCOMPARE(bench.trace()->count(), before + points);
+        QCOMPARE(rig.trace()->count(), before + points);
     }
 }
 
 void TraceWorkTest::aTickThatAlsoTrimsAndMovesTheViewChangesTheTraceOnce()
 {
-    WorkBench bench;
-    bench.widget<QSpinBox>("spTraces")->setValue(100);
-    bench.saw(200);
-    bench.updateTick();
-    QCOMPARE(bench.trace()->count(), 100);
-    ChangeCount changes(bench.trace());
-    bench.saw(30);
-    bench.updateTick();
-    QCOMPARE(bench.trace()->count(), 100);
+    WorkRig rig;
+    rig.widget<QSpinBox>("spTraces")->setValue(100);
+    rig.saw(200);
+    rig.updateTick();
+    QCOMPARE(rig.trace()->count(), 100);
+    ChangeCount changes(rig.trace());
+    rig.saw(30);
+    rig.updateTick();
+    QCOMPARE(rig.trace()->count(), 100);
     QCOMPARE(changes.take(), 1);
-    bench.saw(30);
-    bench.sample(20000, -20000);
-    const QString limits = bench.limits();
-    bench.updateTick();
-    QVERIFY(bench.limits() != limits);
-    QCOMPARE(bench.trace()->count(), 100);
+    rig.saw(30);
+    rig.sample(20000, -20000);
+    const QString limits = rig.limits();
+    rig.updateTick();
+    QVERIFY(rig.limits() != limits);
+    QCOMPARE(rig.trace()->count(), 100);
     QCOMPARE(changes.take(), 1);
 }
 
 void TraceWorkTest::aTickWithNothingNewChangesNothing()
 {
-    WorkBench bench;
-    bench.saw(50);
-    bench.updateTick();
-    ChangeCount changes(bench.trace());
-    bench.updateTick();
-    bench.sample(bench.link.position0, bench.link.position1);
-    bench.updateTick();
-    bench.widget<QSpinBox>("spTraces")->setValue(60);
-    bench.updateTick();
+    WorkRig rig;
+    rig.saw(50);
+    rig.updateTick();
+    ChangeCount changes(rig.trace());
+    rig.updateTick();
+    rig.sample(rig.link.position0, rig.link.position1);
+    rig.updateTick();
+    rig.widget<QSpinBox>("spTraces")->setValue(60);
+    rig.updateTick();
     QCOMPARE(changes.take(), 0);
 }
 
@@ -275,44 +275,44 @@ void TraceWorkTest::aZoomChangesTheTraceOnce()
     QFETCH(bool, in);
     QFETCH(bool, isWheel);
     QFETCH(int, x);
-    WorkBench bench;
-    bench.saw(300);
-    bench.sample(x, x);
-    bench.updateTick();
-    ChangeCount changes(bench.trace());
+    WorkRig rig;
+    rig.saw(300);
+    rig.sample(x, x);
+    rig.updateTick();
+    ChangeCount changes(rig.trace());
     for (int step = 0; step < 3; ++step) {
         if (isWheel)
-            bench.wheel(in);
+            rig.wheel(in);
         else
-            bench.widget<QPushButton>(in ? "btnZoomIn" : "btnZoomOut")->click();
+            rig.widget<QPushButton>(in ? "btnZoomIn" : "btnZoomOut")->click();
         QCOMPARE(changes.take(), 1);
     }
 }
 
 void TraceWorkTest::aRectangleChangesTheTraceTwice()
 {
-    WorkBench bench;
-    bench.saw(300);
-    bench.updateTick();
-    ChangeCount changes(bench.trace());
-    const QRect plot = bench.chart()->plotArea().toAlignedRect();
-    const QString limits = bench.limits();
-    bench.band(QRect(plot.center() - QPoint(100, 100), QSize(150, 120)));
-    QVERIFY(bench.limits() != limits);
+    WorkRig rig;
+    rig.saw(300);
+    rig.updateTick();
+    ChangeCount changes(rig.trace());
+    const QRect plot = rig.chart()->plotArea().toAlignedRect();
+    const QString limits = rig.limits();
+    rig.band(QRect(plot.center() - QPoint(100, 100), QSize(150, 120)));
+    QVERIFY(rig.limits() != limits);
     // The newest point alone, and then the zoomed trace.
     QCOMPARE(changes.take(), 2);
 }
 
 void TraceWorkTest::aLimitChangesTheTraceOnce()
 {
-    WorkBench bench;
-    bench.saw(300);
-    bench.updateTick();
-    ChangeCount changes(bench.trace());
+    WorkRig rig;
+    rig.saw(300);
+    rig.updateTick();
+    ChangeCount changes(rig.trace());
     const QHash<const char *, int> outward{
         {"spM0min", -100}, {"spM0max", 100}, {"spM1min", -100}, {"spM1max", 100}};
     for (auto limit = outward.cbegin(); limit != outward.cend(); ++limit) {
-        auto *box = bench.widget<QSpinBox>(limit.key());
+        auto *box = rig.widget<QSpinBox>(limit.key());
         // On the grid and off it, where the limit snaps.
         for (int by : {512, limit.value()}) {
             box->setValue(box->value() + by);
@@ -325,42 +325,42 @@ void TraceWorkTest::aLimitChangesTheTraceOnce()
 
 void TraceWorkTest::aPushedLimitChangesTheTraceOnce()
 {
-    WorkBench bench;
-    bench.saw(300);
-    bench.updateTick();
-    ChangeCount changes(bench.trace());
-    QVERIFY(bench.setTarget(QPointF(100, 100), QPoint(3, 0)));
+    WorkRig rig;
+    rig.saw(300);
+    rig.updateTick();
+    ChangeCount changes(rig.trace());
+    QVERIFY(rig.setTarget(QPointF(100, 100), QPoint(3, 0)));
     QCOMPARE(changes.take(), 1);
-    QVERIFY(bench.setTarget(QPointF(200, 100), QPoint(0, -3)));
+    QVERIFY(rig.setTarget(QPointF(200, 100), QPoint(0, -3)));
     QCOMPARE(changes.take(), 1);
-    QVERIFY(bench.setTarget(QPointF(300, 100), QPoint(0, 0)));
+    QVERIFY(rig.setTarget(QPointF(300, 100), QPoint(0, 0)));
     QCOMPARE(changes.take(), 0);
 }
 
 void TraceWorkTest::clearingChangesTheTraceOnce()
 {
-    WorkBench bench;
-    bench.saw(300);
-    bench.updateTick();
-    ChangeCount changes(bench.trace());
-    QVERIFY(bench.call("on_btnClearTraces_clicked"));
+    WorkRig rig;
+    rig.saw(300);
+    rig.updateTick();
+    ChangeCount changes(rig.trace());
+    QVERIFY(rig.call("on_btnClearTraces_clicked"));
     QCOMPARE(changes.take(), 1);
 }
 
 void TraceWorkTest::layoutChangesNothing()
 {
-    WorkBench bench;
-    bench.saw(300);
-    bench.updateTick();
-    const QVector<QPointF> points = bench.trace()->pointsVector();
-    ChangeCount changes(bench.trace());
-    bench.tool()->resize(1000, 700);
-    bench.tool()->hide();
-    bench.tool()->show();
-    bench.chart()->setPlotArea(QRectF(30, 30, 300, 200));
-    QCoreApplication::sendPostedEvents(bench.chart());
+    WorkRig rig;
+    rig.saw(300);
+    rig.updateTick();
+    const QVector<QPointF> points = rig.trace()->pointsVector();
+    ChangeCount changes(rig.trace());
+    rig.tool()->resize(1000, 700);
+    rig.tool()->hide();
+    rig.tool()->show();
+    rig.chart()->setPlotArea(QRectF(30, 30, 300, 200));
+    QCoreApplication::sendPostedEvents(rig.chart());
     QCOMPARE(changes.take(), 0);
-    QCOMPARE(bench.trace()->pointsVector(), points);
+    QCOMPARE(rig.trace()->pointsVector(), points);
 }
 
 void TraceWorkTest::onlyNewLinesAreDrawn_data()
@@ -524,34 +524,34 @@ void TraceWorkTest::aPrintHasLinesAndNoImage()
 
 void TraceWorkTest::aTickPaintsOnlyWhatChanged()
 {
-    WorkBench bench;
-    bench.widget<QSpinBox>("spTraces")->setValue(400);
+    WorkRig rig;
+    rig.widget<QSpinBox>("spTraces")->setValue(400);
     // A long way round, so that the oldest and the newest points are far from each other.
     double angle = 0;
     const auto drive = [&](int points) {
         for (; points > 0; --points, angle += 0.01)
-            bench.sample(qRound(6000 * std::cos(angle)), qRound(6000 * std::sin(angle)));
-        bench.updateTick();
+            rig.sample(qRound(6000 * std::cos(angle)), qRound(6000 * std::sin(angle)));
+        rig.updateTick();
     };
     drive(500);
     paintAll();
-    PaintedArea painted(bench.view()->viewport());
+    PaintedArea painted(rig.view()->viewport());
     for (int tick = 0; tick < 10; ++tick) {
         drive(20);
         paintAll();
-        QVERIFY(painted.take() < area(bench.chart()->plotArea().toAlignedRect()) / 8);
+        QVERIFY(painted.take() < area(rig.chart()->plotArea().toAlignedRect()) / 8);
     }
 }
 
 void TraceWorkTest::aPickPaintsOnlyTheMarker()
 {
-    WorkBench bench;
-    bench.saw(300);
-    bench.updateTick();
+    WorkRig rig;
+    rig.saw(300);
+    rig.updateTick();
     QCoreApplication::sendPostedEvents();
-    PaintedArea painted(bench.view()->viewport());
+    PaintedArea painted(rig.view()->viewport());
     for (int x : {-3000, 100, 5000}) {
-        QVERIFY(bench.setTarget(QPointF(x, 700), QPoint()));
+        QVERIFY(rig.setTarget(QPointF(x, 700), QPoint()));
         QCoreApplication::sendPostedEvents();
         const int pixels = painted.take();
         QVERIFY(pixels > 0);

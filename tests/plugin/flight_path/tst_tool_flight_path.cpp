@@ -1,6 +1,6 @@
 #include "FlightDialogs.h"
 #include "HeadlessPlatform.h"
-#include "PollBench.h"
+#include "PollRig.h"
 
 #include <QTemporaryDir>
 
@@ -31,9 +31,9 @@ QStringList startWrites(const QPointF &target)
 }
 
 /// A shown tool at velocities 500 and 700 and at rest in the origin.
-struct FlightBench : PollBench
+struct FlightRig : PollRig
 {
-    FlightBench()
+    FlightRig()
     {
         setRegister(QStringLiteral("M0_VMAX"), 500);
         setRegister(QStringLiteral("M1_VMAX"), 700);
@@ -96,10 +96,10 @@ void ToolFlightPathTest::initTestCase()
 
 void ToolFlightPathTest::menuHasTwoEntries()
 {
-    PollBench bench;
-    const QMenu *menu = bench.startButton()->menu();
+    PollRig rig;
+    const QMenu *menu = rig.startButton()->menu();
     QVERIFY(menu);
-    QCOMPARE(menu->parent(), bench.tool());
+    QCOMPARE(menu->parent(), rig.tool());
     const QList<QAction *> entries = menu->actions();
     QCOMPARE(entries.size(), 2);
     const char *const texts[] = {"Run flight path", "Edit flight path"};
@@ -112,15 +112,15 @@ void ToolFlightPathTest::menuHasTwoEntries()
         QVERIFY(!expected.isNull());
         QCOMPARE(entries.at(i)->icon().pixmap(16).toImage(), expected);
     }
-    QCOMPARE(bench.tool()->findChildren<QMenu *>().size(), 1);
+    QCOMPARE(rig.tool()->findChildren<QMenu *>().size(), 1);
 }
 
 void ToolFlightPathTest::entriesGoWithTheTool()
 {
-    PollBench bench;
-    const QPointer<QAction> run = menuEntry(bench, "Run flight path");
-    const QPointer<QAction> edit = menuEntry(bench, "Edit flight path");
-    bench.deleteTool();
+    PollRig rig;
+    const QPointer<QAction> run = menuEntry(rig, "Run flight path");
+    const QPointer<QAction> edit = menuEntry(rig, "Edit flight path");
+    rig.deleteTool();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(!run);
     QVERIFY(!edit);
@@ -128,43 +128,43 @@ void ToolFlightPathTest::entriesGoWithTheTool()
 
 void ToolFlightPathTest::toolWithoutAModuleHasTheMenuToo()
 {
-    BenchGaps gaps;
+    RigGaps gaps;
     gaps.hasModule = false;
-    PollBench bench(0, gaps);
-    menuEntry(bench, "Run flight path")->trigger();
-    QCOMPARE(bench.flightIndex(), 0);
-    QCOMPARE(bench.target()->at(0), QPointF(0, 0));
+    PollRig rig(0, gaps);
+    menuEntry(rig, "Run flight path")->trigger();
+    QCOMPARE(rig.flightIndex(), 0);
+    QCOMPARE(rig.target()->at(0), QPointF(0, 0));
 }
 
 void ToolFlightPathTest::nothingIsRunAtFirst()
 {
-    PollBench bench;
-    const QVariant index = bench.startButton()->property("RunFp");
+    PollRig rig;
+    const QVariant index = rig.startButton()->property("RunFp");
     QCOMPARE(index.type(), QVariant::Int);
     QCOMPARE(index.toInt(), 12);
-    bench.tool()->showPlugin();
-    bench.setTarget(QPointF(40, 40));
-    bench.startButton()->click();
-    bench.arrive();
-    QVERIFY(bench.startButton()->isEnabled());
-    QCOMPARE(bench.flightIndex(), 12);
+    rig.tool()->showPlugin();
+    rig.setTarget(QPointF(40, 40));
+    rig.startButton()->click();
+    rig.arrive();
+    QVERIFY(rig.startButton()->isEnabled());
+    QCOMPARE(rig.flightIndex(), 12);
 }
 
 void ToolFlightPathTest::runStartsTheMoveToTheFirstPoint()
 {
-    FlightBench bench;
-    bench.setTarget(QPointF(50, 60));
-    bench.updateTick();
-    bench.takeCalls();
-    const QString before = bench.limits();
-    bench.run();
-    QCOMPARE(bench.flightIndex(), 0);
-    QCOMPARE(bench.target()->at(0), QPointF(0, 0));
-    QVERIFY(bench.isTargetNew());
-    QVERIFY(bench.isMoving());
-    QCOMPARE(bench.timerIntervals(), (QList<int>{0, 50}));
-    QCOMPARE(bench.limits(), before);
-    const QStringList calls = bench.takeCalls();
+    FlightRig rig;
+    rig.setTarget(QPointF(50, 60));
+    rig.updateTick();
+    rig.takeCalls();
+    const QString before = rig.limits();
+    rig.run();
+    QCOMPARE(rig.flightIndex(), 0);
+    QCOMPARE(rig.target()->at(0), QPointF(0, 0));
+    QVERIFY(rig.isTargetNew());
+    QVERIFY(rig.isMoving());
+    QCOMPARE(rig.timerIntervals(), (QList<int>{0, 50}));
+    QCOMPARE(rig.limits(), before);
+    const QStringList calls = rig.takeCalls();
     QCOMPARE(calls.mid(0, 2),
              (QStringList{QStringLiteral("read M0_VMAX m0"), QStringLiteral("read M1_VMAX m0")}));
     QCOMPARE(calls.filter(QStringLiteral("write ")), startWrites({0, 0}));
@@ -172,160 +172,160 @@ void ToolFlightPathTest::runStartsTheMoveToTheFirstPoint()
 
 void ToolFlightPathTest::eachPointIsStartedWhenTheOneBeforeIsReached()
 {
-    FlightBench bench;
-    bench.run();
+    FlightRig rig;
+    rig.run();
     for (int i = 0; i < defaultPath.size(); ++i) {
-        QCOMPARE(bench.flightIndex(), i);
-        QCOMPARE(bench.target()->at(0), defaultPath.at(i));
-        bench.takeCalls();
-        bench.arrive();
-        const QStringList writes = bench.takeWrites();
+        QCOMPARE(rig.flightIndex(), i);
+        QCOMPARE(rig.target()->at(0), defaultPath.at(i));
+        rig.takeCalls();
+        rig.arrive();
+        const QStringList writes = rig.takeWrites();
         if (i + 1 < defaultPath.size())
             QCOMPARE(writes.mid(writes.size() - 9), startWrites(defaultPath.at(i + 1)));
         else
             QCOMPARE(writes.filter(QStringLiteral("RAMPMODE")), QStringList());
     }
-    QCOMPARE(bench.flightIndex(), 11);
-    QCOMPARE(bench.timerIntervals(), QList<int>{100});
-    QVERIFY(bench.staysIdle());
-    QCOMPARE(bench.flightIndex(), 11);
+    QCOMPARE(rig.flightIndex(), 11);
+    QCOMPARE(rig.timerIntervals(), QList<int>{100});
+    QVERIFY(rig.staysIdle());
+    QCOMPARE(rig.flightIndex(), 11);
 }
 
 void ToolFlightPathTest::pointIsNotLeftWhileTheAxesMove()
 {
-    FlightBench bench;
-    bench.run();
-    bench.setVelocities(0, -3);
+    FlightRig rig;
+    rig.run();
+    rig.setVelocities(0, -3);
     for (int i = 0; i < 3; ++i)
-        bench.updateTick();
-    QCOMPARE(bench.flightIndex(), 0);
-    bench.setVelocities(0, 0);
-    bench.updateTick();
-    QCOMPARE(bench.flightIndex(), 1);
+        rig.updateTick();
+    QCOMPARE(rig.flightIndex(), 0);
+    rig.setVelocities(0, 0);
+    rig.updateTick();
+    QCOMPARE(rig.flightIndex(), 1);
     // New positions count as movement, whatever the velocities say.
-    bench.sample(0, 500);
-    bench.updateTick();
-    QCOMPARE(bench.flightIndex(), 1);
-    bench.updateTick();
-    QCOMPARE(bench.flightIndex(), 2);
+    rig.sample(0, 500);
+    rig.updateTick();
+    QCOMPARE(rig.flightIndex(), 1);
+    rig.updateTick();
+    QCOMPARE(rig.flightIndex(), 2);
 }
 
 void ToolFlightPathTest::stopEndsTheRunWhereTheAxesAre()
 {
-    FlightBench bench;
-    bench.show();
-    bench.run();
-    bench.arrive();
-    bench.setVelocities(0, 300);
-    bench.sample(3, 400);
-    bench.updateTick();
-    bench.takeCalls();
-    bench.pressStop();
-    QCOMPARE(bench.takeCalls(),
+    FlightRig rig;
+    rig.show();
+    rig.run();
+    rig.arrive();
+    rig.setVelocities(0, 300);
+    rig.sample(3, 400);
+    rig.updateTick();
+    rig.takeCalls();
+    rig.pressStop();
+    QCOMPARE(rig.takeCalls(),
              (QStringList{write("M0_XTARGET", 3), write("M1_XTARGET", 400), write("RAMPMODE", 0)}));
-    QCOMPARE(bench.flightIndex(), 12);
-    QCOMPARE(bench.target()->at(0), QPointF(3, 400));
-    QVERIFY(bench.isMoving());
-    bench.sample(3, 420);
-    bench.updateTick();
-    bench.setVelocities(0, 0);
-    bench.updateTick();
-    QVERIFY(!bench.isMoving());
-    QVERIFY(bench.staysIdle());
-    QCOMPARE(bench.flightIndex(), 12);
-    QCOMPARE(bench.target()->at(0), QPointF(3, 400));
+    QCOMPARE(rig.flightIndex(), 12);
+    QCOMPARE(rig.target()->at(0), QPointF(3, 400));
+    QVERIFY(rig.isMoving());
+    rig.sample(3, 420);
+    rig.updateTick();
+    rig.setVelocities(0, 0);
+    rig.updateTick();
+    QVERIFY(!rig.isMoving());
+    QVERIFY(rig.staysIdle());
+    QCOMPARE(rig.flightIndex(), 12);
+    QCOMPARE(rig.target()->at(0), QPointF(3, 400));
 }
 
 void ToolFlightPathTest::runCanBeStartedAgainAfterAStop()
 {
-    FlightBench bench;
-    bench.show();
-    bench.run();
+    FlightRig rig;
+    rig.show();
+    rig.run();
     for (int i = 0; i < 3; ++i)
-        bench.arrive();
-    bench.pressStop();
-    bench.arrive();
-    QVERIFY(!bench.isMoving());
-    bench.run();
-    QCOMPARE(bench.flightIndex(), 0);
-    QCOMPARE(bench.target()->at(0), defaultPath.at(0));
-    bench.arrive();
-    QCOMPARE(bench.flightIndex(), 1);
-    QCOMPARE(bench.target()->at(0), defaultPath.at(1));
+        rig.arrive();
+    rig.pressStop();
+    rig.arrive();
+    QVERIFY(!rig.isMoving());
+    rig.run();
+    QCOMPARE(rig.flightIndex(), 0);
+    QCOMPARE(rig.target()->at(0), defaultPath.at(0));
+    rig.arrive();
+    QCOMPARE(rig.flightIndex(), 1);
+    QCOMPARE(rig.target()->at(0), defaultPath.at(1));
 }
 
 void ToolFlightPathTest::pickDuringARunTurnsTheAxesAndTheRunGoesOn()
 {
-    FlightBench bench;
-    bench.makeWide();
-    bench.run();
-    bench.arrive();
-    QCOMPARE(bench.flightIndex(), 1);
-    bench.setVelocities(0, 50);
-    bench.updateTick();
-    bench.takeCalls();
-    QTest::mouseClick(bench.view()->viewport(), Qt::LeftButton, Qt::NoModifier,
-                      bench.pixelOf(QPointF(4000, -3000)));
-    const QPointF picked = bench.target()->at(0);
+    FlightRig rig;
+    rig.makeWide();
+    rig.run();
+    rig.arrive();
+    QCOMPARE(rig.flightIndex(), 1);
+    rig.setVelocities(0, 50);
+    rig.updateTick();
+    rig.takeCalls();
+    QTest::mouseClick(rig.view()->viewport(), Qt::LeftButton, Qt::NoModifier,
+                      rig.pixelOf(QPointF(4000, -3000)));
+    const QPointF picked = rig.target()->at(0);
     QVERIFY(QLineF(picked, QPointF(4000, -3000)).length() < 200);
-    QCOMPARE(bench.takeCalls(), QStringList());
-    bench.updateTick();
-    QCOMPARE(bench.takeWrites(), (QStringList{write("M0_XTARGET", inRegister(picked.x())),
-                                              write("M1_XTARGET", inRegister(picked.y()))}));
-    QCOMPARE(bench.flightIndex(), 1);
-    bench.setVelocities(0, 0);
-    bench.arrive();
-    QCOMPARE(bench.flightIndex(), 2);
-    QCOMPARE(bench.target()->at(0), defaultPath.at(2));
+    QCOMPARE(rig.takeCalls(), QStringList());
+    rig.updateTick();
+    QCOMPARE(rig.takeWrites(), (QStringList{write("M0_XTARGET", inRegister(picked.x())),
+                                            write("M1_XTARGET", inRegister(picked.y()))}));
+    QCOMPARE(rig.flightIndex(), 1);
+    rig.setVelocities(0, 0);
+    rig.arrive();
+    QCOMPARE(rig.flightIndex(), 2);
+    QCOMPARE(rig.target()->at(0), defaultPath.at(2));
 }
 
 void ToolFlightPathTest::hiddenToolGoesOnWhenItIsShownAgain()
 {
-    FlightBench bench;
-    bench.run();
-    bench.arrive();
-    bench.tool()->hidePlugin();
-    QCOMPARE(bench.timerIntervals(), QList<int>{0});
-    bench.sample(0, 700);
-    bench.sample(0, 1025);
-    QVERIFY(!bench.updateTick());
-    QCOMPARE(bench.flightIndex(), 1);
-    QVERIFY(bench.isMoving());
+    FlightRig rig;
+    rig.run();
+    rig.arrive();
+    rig.tool()->hidePlugin();
+    QCOMPARE(rig.timerIntervals(), QList<int>{0});
+    rig.sample(0, 700);
+    rig.sample(0, 1025);
+    QVERIFY(!rig.updateTick());
+    QCOMPARE(rig.flightIndex(), 1);
+    QVERIFY(rig.isMoving());
 
-    bench.tool()->showPlugin();
-    QCOMPARE(bench.timerIntervals(), (QList<int>{0, 100}));
-    bench.updateTick();
-    QCOMPARE(bench.actual()->at(0), QPointF(0, 1025));
-    QCOMPARE(bench.flightIndex(), 1);
-    bench.updateTick();
-    QCOMPARE(bench.flightIndex(), 2);
-    QCOMPARE(bench.timerIntervals(), (QList<int>{0, 50}));
+    rig.tool()->showPlugin();
+    QCOMPARE(rig.timerIntervals(), (QList<int>{0, 100}));
+    rig.updateTick();
+    QCOMPARE(rig.actual()->at(0), QPointF(0, 1025));
+    QCOMPARE(rig.flightIndex(), 1);
+    rig.updateTick();
+    QCOMPARE(rig.flightIndex(), 2);
+    QCOMPARE(rig.timerIntervals(), (QList<int>{0, 50}));
 }
 
 void ToolFlightPathTest::toolDeletedDuringARunIsSurvived()
 {
-    FlightBench bench;
-    bench.run();
-    bench.arrive();
-    bench.sample(0, 30);
-    bench.takeCalls();
-    bench.deleteTool();
+    FlightRig rig;
+    rig.run();
+    rig.arrive();
+    rig.sample(0, 30);
+    rig.takeCalls();
+    rig.deleteTool();
     QCoreApplication::processEvents();
-    QCOMPARE(bench.takeCalls(), QStringList());
+    QCOMPARE(rig.takeCalls(), QStringList());
 }
 
 void ToolFlightPathTest::toolDeletedWhileARunStartsIsSurvived()
 {
     int survivedAfter = 0;
     for (int last = 1; survivedAfter == 0; ++last) {
-        FlightBench bench;
+        FlightRig rig;
         int count = 0;
-        bench.link.onRequest = [&] {
+        rig.link.onRequest = [&] {
             if (++count == last)
-                bench.deleteTool();
+                rig.deleteTool();
         };
-        bench.run();
-        if (bench.tool())
+        rig.run();
+        if (rig.tool())
             survivedAfter = last - 1;
         else
             QCOMPARE(count, last);
@@ -336,97 +336,97 @@ void ToolFlightPathTest::toolDeletedWhileARunStartsIsSurvived()
 
 void ToolFlightPathTest::runDuringAMoveStartsNothingYet()
 {
-    FlightBench bench;
-    bench.setTarget(QPointF(200, 200));
-    bench.startButton()->click();
-    bench.setVelocities(100, 100);
-    bench.sample(20, 20);
-    bench.updateTick();
-    bench.takeCalls();
-    bench.run();
-    QCOMPARE(bench.takeCalls(), QStringList());
-    QCOMPARE(bench.flightIndex(), 0);
-    QCOMPARE(bench.target()->at(0), QPointF(0, 0));
-    QVERIFY(bench.isTargetNew());
+    FlightRig rig;
+    rig.setTarget(QPointF(200, 200));
+    rig.startButton()->click();
+    rig.setVelocities(100, 100);
+    rig.sample(20, 20);
+    rig.updateTick();
+    rig.takeCalls();
+    rig.run();
+    QCOMPARE(rig.takeCalls(), QStringList());
+    QCOMPARE(rig.flightIndex(), 0);
+    QCOMPARE(rig.target()->at(0), QPointF(0, 0));
+    QVERIFY(rig.isTargetNew());
     // The move turns to the first point, as to any target that is picked on the way.
-    bench.updateTick();
-    QCOMPARE(bench.takeWrites(), (QStringList{write("M0_XTARGET", 0), write("M1_XTARGET", 0)}));
-    QCOMPARE(bench.flightIndex(), 0);
-    bench.setVelocities(0, 0);
-    bench.arrive();
-    QCOMPARE(bench.flightIndex(), 1);
-    QCOMPARE(bench.target()->at(0), defaultPath.at(1));
+    rig.updateTick();
+    QCOMPARE(rig.takeWrites(), (QStringList{write("M0_XTARGET", 0), write("M1_XTARGET", 0)}));
+    QCOMPARE(rig.flightIndex(), 0);
+    rig.setVelocities(0, 0);
+    rig.arrive();
+    QCOMPARE(rig.flightIndex(), 1);
+    QCOMPARE(rig.target()->at(0), defaultPath.at(1));
 }
 
 void ToolFlightPathTest::emptyPathIsReplacedByTheBuiltInOne()
 {
     writeFile(path("title.csv"), "Only a title\n");
-    FlightBench bench;
-    bench.setTarget(QPointF(7, 7));
-    bench.updateTick();
-    const QMenu *menu = bench.startButton()->menu();
-    QVERIFY(takePath(bench, path("title.csv")));
-    QCOMPARE(bench.flightIndex(), 12);
-    bench.run();
-    QCOMPARE(bench.startButton()->menu(), menu);
+    FlightRig rig;
+    rig.setTarget(QPointF(7, 7));
+    rig.updateTick();
+    const QMenu *menu = rig.startButton()->menu();
+    QVERIFY(takePath(rig, path("title.csv")));
+    QCOMPARE(rig.flightIndex(), 12);
+    rig.run();
+    QCOMPARE(rig.startButton()->menu(), menu);
     QCOMPARE(menu->actions().size(), 2);
-    QCOMPARE(bench.target()->at(0), QPointF(0, 0));
+    QCOMPARE(rig.target()->at(0), QPointF(0, 0));
     for (int i = 0; i < defaultPath.size(); ++i) {
-        QCOMPARE(bench.flightIndex(), i);
-        QCOMPARE(bench.target()->at(0), defaultPath.at(i));
-        bench.arrive();
+        QCOMPARE(rig.flightIndex(), i);
+        QCOMPARE(rig.target()->at(0), defaultPath.at(i));
+        rig.arrive();
     }
-    QVERIFY(!bench.isMoving());
+    QVERIFY(!rig.isMoving());
 }
 
 void ToolFlightPathTest::pathAcceptedDuringARunTakesOver()
 {
     writeFile(path("short.csv"), "Short\n1;1;2;2;3;3\n");
-    FlightBench bench;
-    bench.run();
-    bench.arrive();
+    FlightRig rig;
+    rig.run();
+    rig.arrive();
     // Keeps the tool's own timers from ending the move while the dialogs are open.
-    bench.setVelocities(0, 9);
-    QVERIFY(takePath(bench, path("short.csv")));
-    QCOMPARE(bench.flightIndex(), 1);
-    QCOMPARE(bench.target()->at(0), defaultPath.at(1));
-    bench.setVelocities(0, 0);
-    bench.arrive();
-    QCOMPARE(bench.flightIndex(), 2);
-    QCOMPARE(bench.target()->at(0), QPointF(3, 3));
-    bench.arrive();
-    QVERIFY(!bench.isMoving());
-    QCOMPARE(bench.flightIndex(), 2);
+    rig.setVelocities(0, 9);
+    QVERIFY(takePath(rig, path("short.csv")));
+    QCOMPARE(rig.flightIndex(), 1);
+    QCOMPARE(rig.target()->at(0), defaultPath.at(1));
+    rig.setVelocities(0, 0);
+    rig.arrive();
+    QCOMPARE(rig.flightIndex(), 2);
+    QCOMPARE(rig.target()->at(0), QPointF(3, 3));
+    rig.arrive();
+    QVERIFY(!rig.isMoving());
+    QCOMPARE(rig.flightIndex(), 2);
 }
 
 void ToolFlightPathTest::fractionsAreDroppedWhenAPointIsDrivenTo()
 {
     writeFile(path("fractions.csv"), "Fractions\n10.9;-3.9\n");
-    FlightBench bench;
-    QVERIFY(takePath(bench, path("fractions.csv")));
-    bench.takeCalls();
-    bench.run();
-    QCOMPARE(bench.takeWrites(), startWrites({10, -3}));
+    FlightRig rig;
+    QVERIFY(takePath(rig, path("fractions.csv")));
+    rig.takeCalls();
+    rig.run();
+    QCOMPARE(rig.takeWrites(), startWrites({10, -3}));
     // The marker follows what the chip was told.
-    QCOMPARE(bench.target()->at(0), QPointF(10, -3));
-    bench.updateTick();
-    QCOMPARE(bench.takeWrites(),
+    QCOMPARE(rig.target()->at(0), QPointF(10, -3));
+    rig.updateTick();
+    QCOMPARE(rig.takeWrites(),
              (QStringList{write("M0_XTARGET", 10), write("M1_XTARGET", inRegister(-3))}));
 }
 
 void ToolFlightPathTest::entriesLogTheirTexts()
 {
     for (const bool isOn : {true, false}) {
-        FlightBench bench;
+        FlightRig rig;
         const LowLevelLines lines(isOn);
         const auto expected = [isOn](const char *text) {
             const QString line =
                 QStringLiteral("SynchronisedDriveTool::initFlightPath()::<lambda()> \"%1\"");
             return isOn ? QStringList{line.arg(QLatin1String(text))} : QStringList();
         };
-        QVERIFY(inEditor(bench, [](QDialog *) {}));
+        QVERIFY(inEditor(rig, [](QDialog *) {}));
         QCOMPARE(LowLevelLines::take(), expected("Edit flight path"));
-        bench.run();
+        rig.run();
         QCOMPARE(LowLevelLines::take(), expected("Run flight path"));
     }
 }
@@ -435,9 +435,9 @@ void ToolFlightPathTest::fieldsOfALoadedFileAreLogged()
 {
     writeFile(path("fields.csv"), "a;b\n1; 2\n#3;4;5\n\n");
     for (const bool isOn : {true, false}) {
-        FlightBench bench;
+        FlightRig rig;
         const LowLevelLines lines(isOn);
-        QVERIFY(takePath(bench, path("fields.csv")));
+        QVERIFY(takePath(rig, path("fields.csv")));
         const QStringList expected{QStringLiteral("2 (\"1\", \" 2\") 1"),
                                    QStringLiteral("3 (\"#3\", \"4\", \"5\") 1"),
                                    QStringLiteral("1 (\"\") 0")};

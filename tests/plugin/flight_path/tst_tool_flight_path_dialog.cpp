@@ -1,11 +1,11 @@
 #include "EventWatch.h"
-#include "FlightEditorBench.h"
+#include "FlightEditorRig.h"
 
 #include "HostLocale.h"
 
 #include <QVBoxLayout>
 
-class ToolFlightPathDialogTest : public FlightEditorBench
+class ToolFlightPathDialogTest : public FlightEditorRig
 {
     Q_OBJECT
 
@@ -24,7 +24,7 @@ private slots:
 
 void ToolFlightPathDialogTest::windowIsAsTheHostExpectsIt()
 {
-    PollBench bench;
+    PollRig rig;
     // While a dialog is executed the attribute is off; it counts when the dialog comes up.
     bool isDeletedOnClose = false;
     const EventWatch watch([&](QObject *receiver, QEvent *event) {
@@ -32,9 +32,9 @@ void ToolFlightPathDialogTest::windowIsAsTheHostExpectsIt()
         if (dialog && event->type() == QEvent::Show)
             isDeletedOnClose = isDeletedOnClose || dialog->testAttribute(Qt::WA_DeleteOnClose);
     });
-    const QImage icon = menuEntry(bench, "Edit flight path")->icon().pixmap(16).toImage();
-    QVERIFY(inEditor(bench, [&](QDialog *editor) {
-        QCOMPARE(editor->parent(), bench.tool());
+    const QImage icon = menuEntry(rig, "Edit flight path")->icon().pixmap(16).toImage();
+    QVERIFY(inEditor(rig, [&](QDialog *editor) {
+        QCOMPARE(editor->parent(), rig.tool());
         QCOMPARE(editor->objectName(), QStringLiteral("dialogAllowedPluginsInfo"));
         QCOMPARE(editor->windowTitle(), QStringLiteral("Edit flight path"));
         QCOMPARE(editor->windowIcon().pixmap(16).toImage(), icon);
@@ -53,31 +53,31 @@ void ToolFlightPathDialogTest::windowIsAsTheHostExpectsIt()
 
 void ToolFlightPathDialogTest::dialogIsGoneOnceItIsClosed()
 {
-    PollBench bench;
+    PollRig rig;
     QPointer<QDialog> seen;
     for (const auto which : {QDialogButtonBox::Ok, QDialogButtonBox::Cancel}) {
-        QVERIFY(inEditor(bench, [&](QDialog *editor) {
+        QVERIFY(inEditor(rig, [&](QDialog *editor) {
             seen = editor;
             press(editor, which);
         }));
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY(!seen);
     }
-    QCOMPARE(bench.tool()->findChildren<QDialog *>().size(), 0);
+    QCOMPARE(rig.tool()->findChildren<QDialog *>().size(), 0);
 }
 
 void ToolFlightPathDialogTest::localeIsTheHostsAgain()
 {
-    PollBench bench;
+    PollRig rig;
     QLocale::setDefault(QLocale::c());
-    QVERIFY(inEditor(bench, [](QDialog *) { QCOMPARE(QLocale(), curLocale); }));
+    QVERIFY(inEditor(rig, [](QDialog *) { QCOMPARE(QLocale(), curLocale); }));
     QCOMPARE(QLocale(), curLocale);
 }
 
 void ToolFlightPathDialogTest::buttonsStandBelowThePreview()
 {
-    PollBench bench;
-    QVERIFY(inEditor(bench, [](QDialog *editor) {
+    PollRig rig;
+    QVERIFY(inEditor(rig, [](QDialog *editor) {
         const auto *layout = qobject_cast<QVBoxLayout *>(editor->layout());
         QVERIFY(layout);
         QCOMPARE(layout->count(), 2);
@@ -97,16 +97,16 @@ void ToolFlightPathDialogTest::buttonsStandBelowThePreview()
 void ToolFlightPathDialogTest::okTakesThePoints()
 {
     writeFile(path("p.csv"), "Three\n1;2;3.5;4\n-5;6\n");
-    PollBench bench;
-    bench.takeCalls();
-    QVERIFY(takePath(bench, path("p.csv")));
-    QCOMPARE(pathOf(bench), (QVector<QPointF>{{1, 2}, {3.5, 4}, {-5, 6}}));
+    PollRig rig;
+    rig.takeCalls();
+    QVERIFY(takePath(rig, path("p.csv")));
+    QCOMPARE(pathOf(rig), (QVector<QPointF>{{1, 2}, {3.5, 4}, {-5, 6}}));
     // Neither starts nor ends a run.
-    QCOMPARE(bench.flightIndex(), 12);
-    QCOMPARE(bench.takeCalls(), QStringList());
+    QCOMPARE(rig.flightIndex(), 12);
+    QCOMPARE(rig.takeCalls(), QStringList());
     // Accepting without loading keeps it.
-    QVERIFY(inEditor(bench, [](QDialog *editor) { press(editor, QDialogButtonBox::Ok); }));
-    QCOMPARE(pathOf(bench).size(), 3);
+    QVERIFY(inEditor(rig, [](QDialog *editor) { press(editor, QDialogButtonBox::Ok); }));
+    QCOMPARE(pathOf(rig).size(), 3);
 }
 
 void ToolFlightPathDialogTest::cancelChangesNothing_data()
@@ -121,9 +121,9 @@ void ToolFlightPathDialogTest::cancelChangesNothing()
 {
     QFETCH(int, way);
     writeFile(path("p.csv"), "P\n1;2\n");
-    PollBench bench;
-    const QVector<QPointF> before = pathOf(bench);
-    QVERIFY(inEditor(bench, [&](QDialog *editor) {
+    PollRig rig;
+    const QVector<QPointF> before = pathOf(rig);
+    QVERIFY(inEditor(rig, [&](QDialog *editor) {
         QVERIFY(loadFile(editor, path("p.csv")));
         QCOMPARE(seriesOf(editor)->count(), 1);
         if (way == 0)
@@ -133,32 +133,32 @@ void ToolFlightPathDialogTest::cancelChangesNothing()
         else
             QTest::keyClick(editor, Qt::Key_Escape);
     }));
-    QCOMPARE(pathOf(bench), before);
-    QCOMPARE(bench.flightIndex(), 12);
+    QCOMPARE(pathOf(rig), before);
+    QCOMPARE(rig.flightIndex(), 12);
 }
 
 void ToolFlightPathDialogTest::toolDeletedWithTheDialogOpenIsSurvived()
 {
-    PollBench bench;
+    PollRig rig;
     QPointer<QDialog> seen;
-    QVERIFY(inEditor(bench, [&](QDialog *editor) {
+    QVERIFY(inEditor(rig, [&](QDialog *editor) {
         seen = editor;
-        bench.deleteTool();
+        rig.deleteTool();
     }));
     QVERIFY(!seen);
-    QVERIFY(!bench.tool());
+    QVERIFY(!rig.tool());
 }
 
 void ToolFlightPathDialogTest::toolDeletedAsTheDialogIsAcceptedIsSurvived()
 {
-    PollBench bench;
-    QVERIFY(inEditor(bench, [&](QDialog *editor) {
+    PollRig rig;
+    QVERIFY(inEditor(rig, [&](QDialog *editor) {
         // Before the dialog's event loop has returned, but not in accepted(): the dialog has one
         // more signal to emit then, and does not look whether it is still there.
-        connect(editor, &QDialog::finished, [&] { bench.deleteTool(); });
+        connect(editor, &QDialog::finished, [&] { rig.deleteTool(); });
         press(editor, QDialogButtonBox::Ok);
     }));
-    QVERIFY(!bench.tool());
+    QVERIFY(!rig.tool());
 }
 
 QTEST_MAIN(ToolFlightPathDialogTest)

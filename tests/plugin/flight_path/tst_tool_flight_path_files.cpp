@@ -1,4 +1,4 @@
-#include "FlightEditorBench.h"
+#include "FlightEditorRig.h"
 
 #include "AppSettings.h"
 
@@ -41,7 +41,7 @@ private:
 
 Q_DECLARE_METATYPE(Replacement)
 
-class ToolFlightPathFilesTest : public FlightEditorBench
+class ToolFlightPathFilesTest : public FlightEditorRig
 {
     Q_OBJECT
 
@@ -59,10 +59,10 @@ private slots:
 
 void ToolFlightPathFilesTest::fileDialogIsSetUpForPaths()
 {
-    PollBench bench;
-    QVERIFY(inEditor(bench, [&](QDialog *editor) {
+    PollRig rig;
+    QVERIFY(inEditor(rig, [&](QDialog *editor) {
         QVERIFY(inFileDialog(editor, [&](QFileDialog *files) {
-            QCOMPARE(files->parent(), bench.tool());
+            QCOMPARE(files->parent(), rig.tool());
             QCOMPARE(files->windowTitle(), QStringLiteral("Open plots"));
             QCOMPARE(files->nameFilters(), QStringList{QStringLiteral("*.csv *.txt")});
             QCOMPARE(files->acceptMode(), QFileDialog::AcceptOpen);
@@ -74,8 +74,8 @@ void ToolFlightPathFilesTest::fileDialogIsSetUpForPaths()
 void ToolFlightPathFilesTest::fileDialogBeginsInTheRememberedFolder()
 {
     AppSettings().setValue(folderKey, folder->path());
-    PollBench bench;
-    QVERIFY(inEditor(bench, [&](QDialog *editor) {
+    PollRig rig;
+    QVERIFY(inEditor(rig, [&](QDialog *editor) {
         QVERIFY(inFileDialog(editor, [&](QFileDialog *files) {
             QCOMPARE(files->directory().absolutePath(), QDir(folder->path()).absolutePath());
         }));
@@ -86,9 +86,9 @@ void ToolFlightPathFilesTest::fileDialogBeginsInTheRememberedFolder()
 void ToolFlightPathFilesTest::folderOfTheFileIsRemembered()
 {
     writeFile(path("p.csv"), "P\n1;2\n");
-    PollBench bench;
+    PollRig rig;
     // As soon as it is loaded, even when the dialog is cancelled then.
-    QVERIFY(inEditor(bench, [&](QDialog *editor) {
+    QVERIFY(inEditor(rig, [&](QDialog *editor) {
         QVERIFY(loadFile(editor, path("p.csv")));
         QCOMPARE(AppSettings().value(folderKey).toString(), folder->path());
     }));
@@ -100,16 +100,16 @@ void ToolFlightPathFilesTest::currentFolderIsForgotten()
     writeFile(path("p.csv"), "P\n1;2\n");
     AppSettings().setValue(folderKey, QStringLiteral("/elsewhere"));
     QVERIFY(QDir::setCurrent(folder->path()));
-    PollBench bench;
-    QVERIFY(takePath(bench, path("p.csv")));
+    PollRig rig;
+    QVERIFY(takePath(rig, path("p.csv")));
     QVERIFY(!AppSettings().contains(folderKey));
 }
 
 void ToolFlightPathFilesTest::cancelledFileDialogChangesNothing()
 {
     AppSettings().setValue(folderKey, folder->path());
-    PollBench bench;
-    QVERIFY(inEditor(bench, [&](QDialog *editor) {
+    PollRig rig;
+    QVERIFY(inEditor(rig, [&](QDialog *editor) {
         const Preview before(editor);
         QVERIFY(inFileDialog(editor, [](QFileDialog *files) {
             QTest::mouseClick(standardButton(files, QDialogButtonBox::Cancel), Qt::LeftButton);
@@ -123,8 +123,8 @@ void ToolFlightPathFilesTest::cancelledFileDialogChangesNothing()
 void ToolFlightPathFilesTest::lineBreaksOfOtherSystemsAreTaken()
 {
     writeFile(path("p.csv"), "Title\r\n1;2;3\r\n4;5\r\n");
-    PollBench bench;
-    QVERIFY(inEditor(bench, [&](QDialog *editor) {
+    PollRig rig;
+    QVERIFY(inEditor(rig, [&](QDialog *editor) {
         QVERIFY(loadFile(editor, path("p.csv")));
         const Preview loaded(editor);
         QCOMPARE(loaded.title, QStringLiteral("Title\n"));
@@ -157,8 +157,8 @@ void ToolFlightPathFilesTest::unreadableFileChangesNothing()
     QFETCH(Replacement, replace);
     writeFile(path("p.csv"), "P\n1;2\n");
     AppSettings().setValue(folderKey, QStringLiteral("/elsewhere"));
-    PollBench bench;
-    QVERIFY(inEditor(bench, [&](QDialog *editor) {
+    PollRig rig;
+    QVERIFY(inEditor(rig, [&](QDialog *editor) {
         const Preview before(editor);
         std::optional<OrdinaryUser> user;
         QVERIFY(inFileDialog(editor, [&](QFileDialog *files) {
@@ -179,11 +179,11 @@ void ToolFlightPathFilesTest::unreadableFileChangesNothing()
 void ToolFlightPathFilesTest::toolDeletedWithTheFileDialogOpenIsSurvived()
 {
     AppSettings().setValue(folderKey, folder->path());
-    PollBench bench;
-    QVERIFY(inEditor(bench, [&](QDialog *editor) {
-        QVERIFY(inFileDialog(editor, [&](QFileDialog *) { bench.deleteTool(); }));
+    PollRig rig;
+    QVERIFY(inEditor(rig, [&](QDialog *editor) {
+        QVERIFY(inFileDialog(editor, [&](QFileDialog *) { rig.deleteTool(); }));
     }));
-    QVERIFY(!bench.tool());
+    QVERIFY(!rig.tool());
     QCOMPARE(AppSettings().value(folderKey).toString(), folder->path());
 }
 

@@ -1,9 +1,9 @@
-#include "FlightEditorBench.h"
+#include "FlightEditorRig.h"
 
 #include <QGraphicsLayout>
 #include <QtCharts/QLegend>
 
-class ToolFlightPathPreviewTest : public FlightEditorBench
+class ToolFlightPathPreviewTest : public FlightEditorRig
 {
     Q_OBJECT
 
@@ -20,8 +20,8 @@ private slots:
 
 void ToolFlightPathPreviewTest::previewShowsThePath()
 {
-    PollBench bench;
-    QVERIFY(inEditor(bench, [](QDialog *editor) {
+    PollRig rig;
+    QVERIFY(inEditor(rig, [](QDialog *editor) {
         const QtCharts::QChart *chart = chartOf(editor);
         QCOMPARE(chart->title(), QStringLiteral("Default"));
         QVERIFY(chart->localizeNumbers());
@@ -48,8 +48,8 @@ void ToolFlightPathPreviewTest::previewShowsThePath()
 void ToolFlightPathPreviewTest::loadedPathIsShownWithItsTitle()
 {
     writeFile(path("demo.csv"), "Demo\n1;2\n3;4;5;6\n#7;8\n9\n");
-    PollBench bench;
-    QVERIFY(inEditor(bench, [&](QDialog *editor) {
+    PollRig rig;
+    QVERIFY(inEditor(rig, [&](QDialog *editor) {
         QVERIFY(loadFile(editor, path("demo.csv")));
         QVERIFY(editor->isVisible());
         QCOMPARE(chartOf(editor)->title(), QStringLiteral("Demo\n"));
@@ -61,15 +61,15 @@ void ToolFlightPathPreviewTest::secondFileReplacesTheFirst()
 {
     writeFile(path("a.csv"), "A\n1;2;3;4\n");
     writeFile(path("b.txt"), "B\n5;6\n7;8;");
-    PollBench bench;
-    QVERIFY(inEditor(bench, [&](QDialog *editor) {
+    PollRig rig;
+    QVERIFY(inEditor(rig, [&](QDialog *editor) {
         QVERIFY(loadFile(editor, path("a.csv")));
         QVERIFY(loadFile(editor, path("b.txt")));
         QCOMPARE(chartOf(editor)->title(), QStringLiteral("B\n"));
         QCOMPARE(seriesOf(editor)->pointsVector(), (QVector<QPointF>{{5, 6}, {7, 8}}));
         press(editor, QDialogButtonBox::Ok);
     }));
-    QCOMPARE(pathOf(bench).size(), 2);
+    QCOMPARE(pathOf(rig).size(), 2);
 }
 
 void ToolFlightPathPreviewTest::axesShowAllPoints_data()
@@ -94,8 +94,8 @@ void ToolFlightPathPreviewTest::axesShowAllPoints()
     QFETCH(QByteArray, line);
     QFETCH(QRectF, range);
     writeFile(path("p.csv"), "P\n" + line + '\n');
-    PollBench bench;
-    QVERIFY(inEditor(bench, [&](QDialog *editor) {
+    PollRig rig;
+    QVERIFY(inEditor(rig, [&](QDialog *editor) {
         QVERIFY(loadFile(editor, path("p.csv")));
         const auto near = [](double value, double expected) {
             return qAbs(value - expected) < 1e-9;
@@ -113,8 +113,8 @@ void ToolFlightPathPreviewTest::axesShowAllPoints()
 void ToolFlightPathPreviewTest::hugeCoordinatesKeepTheAxesFinite()
 {
     writeFile(path("p.csv"), "P\n1e308;-1e308\n-1.7e308;1.7e308\n");
-    PollBench bench;
-    QVERIFY(inEditor(bench, [&](QDialog *editor) {
+    PollRig rig;
+    QVERIFY(inEditor(rig, [&](QDialog *editor) {
         QVERIFY(loadFile(editor, path("p.csv")));
         const Preview preview(editor);
         QCOMPARE(preview.points.size(), 2);
@@ -143,8 +143,8 @@ void ToolFlightPathPreviewTest::fileWithoutPointsLeavesAnEmptyPreview()
     QFETCH(QByteArray, bytes);
     QFETCH(QString, title);
     writeFile(path("p.csv"), bytes);
-    PollBench bench;
-    QVERIFY(inEditor(bench, [&](QDialog *editor) {
+    PollRig rig;
+    QVERIFY(inEditor(rig, [&](QDialog *editor) {
         const Preview before(editor);
         QVERIFY(loadFile(editor, path("p.csv")));
         const Preview after(editor);
@@ -155,7 +155,7 @@ void ToolFlightPathPreviewTest::fileWithoutPointsLeavesAnEmptyPreview()
         editor->grab();
         press(editor, QDialogButtonBox::Ok);
     }));
-    QCOMPARE(pathOf(bench).size(), 0);
+    QCOMPARE(pathOf(rig).size(), 0);
 }
 
 QTEST_MAIN(ToolFlightPathPreviewTest)

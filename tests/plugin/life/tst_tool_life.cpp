@@ -1,6 +1,6 @@
 #include "FlightDialogs.h"
 #include "HeadlessPlatform.h"
-#include "PollBench.h"
+#include "PollRig.h"
 
 #include "HostRegistry.h"
 #include "XmlRegisterWidget.h"
@@ -78,20 +78,20 @@ private slots:
 
 namespace {
 
-void prepareMove(PollBench &bench)
+void prepareMove(PollRig &rig)
 {
-    bench.makeWide();
-    bench.setVelocities(100, 100);
-    bench.setTarget({300, 200});
+    rig.makeWide();
+    rig.setVelocities(100, 100);
+    rig.setTarget({300, 200});
 }
 
-/// Deletes the bench's tool at a request, the first one being 0.
-void deleteAtRequest(PollBench &bench, int request)
+/// Deletes the rig's tool at a request, the first one being 0.
+void deleteAtRequest(PollRig &rig, int request)
 {
-    bench.link.calls.clear();
-    bench.link.onRequest = [&bench, request] {
-        if (bench.link.calls.size() == request + 1)
-            bench.deleteTool();
+    rig.link.calls.clear();
+    rig.link.onRequest = [&rig, request] {
+        if (rig.link.calls.size() == request + 1)
+            rig.deleteTool();
     };
 }
 
@@ -107,15 +107,15 @@ void addRequests(int count)
 
 void ToolLifeTest::deletionDuringAMoveStopsTheRequests()
 {
-    PollBench bench;
-    prepareMove(bench);
-    bench.start();
-    bench.sample(10, 5);
-    bench.updateTick();
-    bench.takeCalls();
-    bench.deleteTool();
+    PollRig rig;
+    prepareMove(rig);
+    rig.start();
+    rig.sample(10, 5);
+    rig.updateTick();
+    rig.takeCalls();
+    rig.deleteTool();
     QCoreApplication::processEvents();
-    QVERIFY(bench.takeCalls().isEmpty());
+    QVERIFY(rig.takeCalls().isEmpty());
 }
 
 void ToolLifeTest::deletionInEveryRequestOfAStartIsSurvived_data()
@@ -128,14 +128,14 @@ void ToolLifeTest::deletionInEveryRequestOfAStartIsSurvived_data()
 void ToolLifeTest::deletionInEveryRequestOfAStartIsSurvived()
 {
     QFETCH(int, request);
-    PollBench bench;
-    prepareMove(bench);
-    deleteAtRequest(bench, request);
-    bench.startButton()->click();
-    if (bench.tool())
-        QVERIFY(bench.link.calls.size() <= request);
+    PollRig rig;
+    prepareMove(rig);
+    deleteAtRequest(rig, request);
+    rig.startButton()->click();
+    if (rig.tool())
+        QVERIFY(rig.link.calls.size() <= request);
     else
-        QCOMPARE(bench.link.calls.size(), request + 1);
+        QCOMPARE(rig.link.calls.size(), request + 1);
 }
 
 void ToolLifeTest::deletionInEveryRequestOfAMoveIsSurvived_data()
@@ -146,59 +146,59 @@ void ToolLifeTest::deletionInEveryRequestOfAMoveIsSurvived_data()
 void ToolLifeTest::deletionInEveryRequestOfAMoveIsSurvived()
 {
     QFETCH(int, request);
-    PollBench bench;
-    prepareMove(bench);
-    bench.start();
-    bench.setVelocities(0, 0);
-    deleteAtRequest(bench, request);
-    for (int step = 1; step < 4 && bench.tool(); ++step) {
-        bench.sample(100 * step, 50 * step);
-        if (bench.tool())
-            bench.updateTick();
-        if (bench.tool())
-            bench.updateTick();
+    PollRig rig;
+    prepareMove(rig);
+    rig.start();
+    rig.setVelocities(0, 0);
+    deleteAtRequest(rig, request);
+    for (int step = 1; step < 4 && rig.tool(); ++step) {
+        rig.sample(100 * step, 50 * step);
+        if (rig.tool())
+            rig.updateTick();
+        if (rig.tool())
+            rig.updateTick();
     }
-    QVERIFY(!bench.tool());
+    QVERIFY(!rig.tool());
 }
 
 void ToolLifeTest::deletionBeforeTheExportExportsNothing()
 {
     CountingTool browser;
     HostRegistry::add(&browser, QStringLiteral("life/browser"));
-    PollBench kept;
+    PollRig kept;
     kept.widget<QAbstractButton>("btnShowRegister")->setEnabled(true);
-    PollBench bench;
-    bench.widget<QAbstractButton>("btnShowRegister")->setEnabled(true);
-    bench.widget<QAbstractButton>("btnShowRegister")->click();
+    PollRig rig;
+    rig.widget<QAbstractButton>("btnShowRegister")->setEnabled(true);
+    rig.widget<QAbstractButton>("btnShowRegister")->click();
     kept.widget<QAbstractButton>("btnShowRegister")->click();
-    bench.deleteTool();
+    rig.deleteTool();
     QTRY_COMPARE(browser.imports, 1);
 }
 
 void ToolLifeTest::deletionDuringTheModalDialogEndsTheDialog()
 {
-    PollBench bench;
-    bench.show();
+    PollRig rig;
+    rig.show();
     QPointer<QDialog> editor;
-    QVERIFY(inEditor(bench, [&](QDialog *dialog) {
+    QVERIFY(inEditor(rig, [&](QDialog *dialog) {
         editor = dialog;
-        bench.deleteTool();
+        rig.deleteTool();
     }));
-    QVERIFY(!bench.tool());
+    QVERIFY(!rig.tool());
     QVERIFY(!editor);
     QVERIFY(!QApplication::activeModalWidget());
 }
 
 void ToolLifeTest::deletionDuringTheFileDialogIsSurvived()
 {
-    PollBench bench;
-    bench.show();
+    PollRig rig;
+    rig.show();
     bool hasAsked = false;
-    QVERIFY(inEditor(bench, [&](QDialog *editor) {
-        hasAsked = inFileDialog(editor, [&](QFileDialog *) { bench.deleteTool(); });
+    QVERIFY(inEditor(rig, [&](QDialog *editor) {
+        hasAsked = inFileDialog(editor, [&](QFileDialog *) { rig.deleteTool(); });
     }));
     QVERIFY(hasAsked);
-    QVERIFY(!bench.tool());
+    QVERIFY(!rig.tool());
     QVERIFY(!QApplication::activeModalWidget());
 }
 
@@ -219,37 +219,37 @@ void ToolLifeTest::deletionInAHandledSignalIsSurvived_data()
 
 namespace {
 
-void turnTheWheel(const PollBench &bench)
+void turnTheWheel(const PollRig &rig)
 {
-    const HeldKeys keys(bench.tool(), Qt::ControlModifier);
+    const HeldKeys keys(rig.tool(), Qt::ControlModifier);
     QWheelEvent turn(QPointF(200, 200), QPointF(200, 200), QPoint(), QPoint(0, 120), Qt::NoButton,
                      Qt::ControlModifier, Qt::NoScrollPhase, false);
-    QCoreApplication::sendEvent(bench.tool(), &turn);
+    QCoreApplication::sendEvent(rig.tool(), &turn);
 }
 
 /// Connects `deletion` to the signal and returns what emits that.
-std::function<void()> arm(PollBench &bench, const QByteArray &signal, QObject *context,
+std::function<void()> arm(PollRig &rig, const QByteArray &signal, QObject *context,
                           const std::function<void()> &deletion)
 {
-    const auto watched = static_cast<unsigned short>(ToolBench::address(QStringLiteral("M0_VMAX")));
+    const auto watched = static_cast<unsigned short>(ToolRig::address(QStringLiteral("M0_VMAX")));
     if (signal == "register written") {
-        QObject::connect(bench.module(), &HostModule::registerOutputBufferHasWritten, context,
+        QObject::connect(rig.module(), &HostModule::registerOutputBufferHasWritten, context,
                          deletion);
-        return [&bench, watched] {
-            emit bench.module()->registerOutputBufferHasWritten(watched, 0, 0, 0);
+        return [&rig, watched] {
+            emit rig.module()->registerOutputBufferHasWritten(watched, 0, 0, 0);
         };
     }
     if (signal == "row changed") {
-        XmlRegisterWidget *row = bench.registerWidget("M0_XTARGET");
+        XmlRegisterWidget *row = rig.registerWidget("M0_XTARGET");
         QObject::connect(row, &XmlRegisterWidget::valueChanged, context, deletion);
         return [row] { emit row->valueChanged(77); };
     }
     if (signal == "view") {
         // The class of the view does not leave the module, so this connection goes by name.
         auto *relay = new Relay(deletion, context);
-        QObject::connect(bench.view(), SIGNAL(position(QPoint, QPoint)), relay, SLOT(pass()));
-        QWidget *viewport = bench.view()->viewport();
-        const QPoint at = bench.pixelOf({64, 64});
+        QObject::connect(rig.view(), SIGNAL(position(QPoint, QPoint)), relay, SLOT(pass()));
+        QWidget *viewport = rig.view()->viewport();
+        const QPoint at = rig.pixelOf({64, 64});
         return [viewport, at] { QTest::mousePress(viewport, Qt::LeftButton, {}, at); };
     }
     const QHash<QByteArray, const char *> buttons{{"start", "pbStart"},
@@ -257,10 +257,10 @@ std::function<void()> arm(PollBench &bench, const QByteArray &signal, QObject *c
                                                   {"clear", "btnClearTraces"},
                                                   {"zoom", "btnZoomIn"},
                                                   {"wheel", "btnZoomIn"}};
-    auto *button = bench.widget<QAbstractButton>(buttons.value(signal));
+    auto *button = rig.widget<QAbstractButton>(buttons.value(signal));
     QObject::connect(button, &QAbstractButton::clicked, context, deletion);
     if (signal == "wheel")
-        return [&bench] { turnTheWheel(bench); };
+        return [&rig] { turnTheWheel(rig); };
     return [button] { button->click(); };
 }
 
@@ -270,27 +270,27 @@ void ToolLifeTest::deletionInAHandledSignalIsSurvived()
 {
     QFETCH(QByteArray, signal);
     QFETCH(Moment, moment);
-    PollBench bench;
+    PollRig rig;
     QObject context;
     if (moment == Moment::BeforeTheTool) {
-        // The first tool of a bench's module was connected before this; a second one is behind it.
+        // The first tool of a rig's module was connected before this; a second one is behind it.
         QPointer<ToolsInterface> second;
-        const auto emitSignal = arm(bench, signal, &context, [&second] { delete second.data(); });
-        second = toolPrototype()->clone(QStringLiteral("second"), 0, bench.module());
+        const auto emitSignal = arm(rig, signal, &context, [&second] { delete second.data(); });
+        second = toolPrototype()->clone(QStringLiteral("second"), 0, rig.module());
         second->showPlugin();
         emitSignal();
         QVERIFY(!second);
-        QVERIFY(bench.tool());
+        QVERIFY(rig.tool());
         return;
     }
-    bench.show();
-    bench.updateTick();
-    const auto emitSignal = arm(bench, signal, &context, [&bench] { bench.deleteTool(); });
+    rig.show();
+    rig.updateTick();
+    const auto emitSignal = arm(rig, signal, &context, [&rig] { rig.deleteTool(); });
     emitSignal();
-    QVERIFY(!bench.tool());
-    bench.takeCalls();
+    QVERIFY(!rig.tool());
+    rig.takeCalls();
     QCoreApplication::processEvents();
-    QVERIFY(bench.takeCalls().isEmpty());
+    QVERIFY(rig.takeCalls().isEmpty());
 }
 
 void ToolLifeTest::deletionInTheDeviceTreeOperationIsSurvived_data()
@@ -304,50 +304,50 @@ void ToolLifeTest::deletionInTheDeviceTreeOperationIsSurvived_data()
 void ToolLifeTest::deletionInTheDeviceTreeOperationIsSurvived()
 {
     QFETCH(QString, button);
-    PollBench bench;
+    PollRig rig;
     int requests = 0;
-    connect(bench.tool(), &PluginInterface::signalDeviceTreeOperation, this, [&] {
+    connect(rig.tool(), &PluginInterface::signalDeviceTreeOperation, this, [&] {
         ++requests;
-        bench.deleteTool();
+        rig.deleteTool();
     });
-    auto *const link = bench.tool()->findChild<QAbstractButton *>(button);
+    auto *const link = rig.tool()->findChild<QAbstractButton *>(button);
     link->setEnabled(true);
     link->click();
-    QVERIFY(!bench.tool());
+    QVERIFY(!rig.tool());
     QCOMPARE(requests, 1);
 }
 
 void ToolLifeTest::deletionFromTheMenuIsSurvived()
 {
-    PollBench bench;
-    prepareMove(bench);
-    QAction *const run = menuEntry(bench, "Run flight path");
+    PollRig rig;
+    prepareMove(rig);
+    QAction *const run = menuEntry(rig, "Run flight path");
     const QPointer<QAction> guard = run;
-    connect(run, &QAction::triggered, this, [&bench] { bench.deleteTool(); });
+    connect(run, &QAction::triggered, this, [&rig] { rig.deleteTool(); });
     run->trigger();
-    QVERIFY(!bench.tool());
+    QVERIFY(!rig.tool());
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(!guard);
 }
 
 void ToolLifeTest::oneOfTwoToolsOnAModuleGoesAlone()
 {
-    PollBench bench;
-    bench.show();
+    PollRig rig;
+    rig.show();
     QPointer<ToolsInterface> other =
-        toolPrototype()->clone(QStringLiteral("other"), 1, bench.module());
+        toolPrototype()->clone(QStringLiteral("other"), 1, rig.module());
     other->showPlugin();
     QMetaObject::invokeMethod(other, "on_pbStart_clicked");
     delete other.data();
-    bench.takeCalls();
-    emit bench.module()->registerOutputBufferHasWritten(
-        static_cast<unsigned short>(ToolBench::address(QStringLiteral("M1_VMAX"))), 0, 0, 1);
-    QVERIFY(!bench.takeCalls().isEmpty());
-    bench.setTarget({90, 80});
-    bench.updateTick();
-    QCOMPARE(bench.registerValue(QStringLiteral("M0_XTARGET")), 90);
-    QCOMPARE(bench.registerValue(QStringLiteral("M1_XTARGET")), 80);
-    QCOMPARE(bench.timerIntervals(), QList<int>{100});
+    rig.takeCalls();
+    emit rig.module()->registerOutputBufferHasWritten(
+        static_cast<unsigned short>(ToolRig::address(QStringLiteral("M1_VMAX"))), 0, 0, 1);
+    QVERIFY(!rig.takeCalls().isEmpty());
+    rig.setTarget({90, 80});
+    rig.updateTick();
+    QCOMPARE(rig.registerValue(QStringLiteral("M0_XTARGET")), 90);
+    QCOMPARE(rig.registerValue(QStringLiteral("M1_XTARGET")), 80);
+    QCOMPARE(rig.timerIntervals(), QList<int>{100});
 }
 
 void ToolLifeTest::moduleMayGoBehindItsTools()
@@ -369,19 +369,19 @@ void ToolLifeTest::moduleMayGoBehindItsTools()
 
 void ToolLifeTest::deletedPrototypeIsReplacedAndItsToolsLiveOn()
 {
-    PollBench bench;
-    bench.show();
+    PollRig rig;
+    rig.show();
     QPointer<ToolsInterface> prototype = toolPrototype();
     delete prototype.data();
     QVERIFY(!prototype);
-    bench.setTarget({90, 80});
-    bench.updateTick();
-    QCOMPARE(bench.registerValue(QStringLiteral("M0_XTARGET")), 90);
+    rig.setTarget({90, 80});
+    rig.updateTick();
+    QCOMPARE(rig.registerValue(QStringLiteral("M0_XTARGET")), 90);
     ToolsInterface *const next = toolPrototype();
     QVERIFY(next);
     QCOMPARE(next->name(), QStringLiteral("undefined"));
     const std::unique_ptr<ToolsInterface> tool(
-        next->clone(QStringLiteral("next"), 0, bench.module()));
+        next->clone(QStringLiteral("next"), 0, rig.module()));
     tool->showPlugin();
     QCOMPARE(QAbstractEventDispatcher::instance()->registeredTimers(tool.get()).size(), 1);
 }

@@ -1,6 +1,6 @@
 #include "EventWatch.h"
 #include "HeadlessPlatform.h"
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include <QTest>
 #include <QTimerEvent>
@@ -63,7 +63,7 @@ private slots:
 
 void ToolLifecycleTest::showSamplesThenLooksAroundThenChecksThenStartsTheTimer()
 {
-    ToolBench bench;
+    ToolRig rig;
     const QStringList sample{QStringLiteral("user 0xFD")};
     QStringList before;
     QStringList steps;
@@ -71,77 +71,77 @@ void ToolLifecycleTest::showSamplesThenLooksAroundThenChecksThenStartsTheTimer()
         const QString name = receiver->objectName();
         if (event->type() == QEvent::EnabledChange && name == QLatin1String("btnShowRegister")) {
             steps << QStringLiteral("look around");
-            QCOMPARE(bench.link.calls, sample);
+            QCOMPARE(rig.link.calls, sample);
         }
         if (event->type() == QEvent::ToolTipChange && name == QLatin1String("btnShowPosition")) {
             steps << QStringLiteral("check");
-            QVERIFY(bench.link.calls.size() > 1);
-            QVERIFY(bench.timerIntervals().isEmpty());
+            QVERIFY(rig.link.calls.size() > 1);
+            QVERIFY(rig.timerIntervals().isEmpty());
         }
     });
-    bench.tool()->showPlugin();
+    rig.tool()->showPlugin();
     QCOMPARE(steps, (QStringList{QStringLiteral("look around"), QStringLiteral("check")}));
-    QCOMPARE(bench.timerIntervals(), QList<int>{100});
-    QVERIFY(bench.takeWrites().isEmpty());
+    QCOMPARE(rig.timerIntervals(), QList<int>{100});
+    QVERIFY(rig.takeWrites().isEmpty());
 }
 
 void ToolLifecycleTest::showTakesOneSampleAndDrawsItWithTheNextTick()
 {
-    ToolBench bench;
-    bench.link.position0 = -20;
-    bench.link.position1 = 30;
-    bench.tool()->showPlugin();
-    QCOMPARE(bench.takeCalls().filter(QStringLiteral("user")).size(), 1);
-    QCOMPARE(bench.actual()->at(0), QPointF(0, 0));
-    bench.updateTick();
-    QCOMPARE(bench.actual()->at(0), QPointF(-20, 30));
-    QVERIFY(!bench.module()->isCircularMode());
+    ToolRig rig;
+    rig.link.position0 = -20;
+    rig.link.position1 = 30;
+    rig.tool()->showPlugin();
+    QCOMPARE(rig.takeCalls().filter(QStringLiteral("user")).size(), 1);
+    QCOMPARE(rig.actual()->at(0), QPointF(0, 0));
+    rig.updateTick();
+    QCOMPARE(rig.actual()->at(0), QPointF(-20, 30));
+    QVERIFY(!rig.module()->isCircularMode());
 }
 
 void ToolLifecycleTest::showingTwiceKeepsOneTimer()
 {
-    ToolBench bench;
-    bench.tool()->showPlugin();
-    bench.tool()->showPlugin();
-    QCOMPARE(bench.timerIntervals(), QList<int>{100});
-    bench.tool()->hidePlugin();
-    QVERIFY(bench.timerIntervals().isEmpty());
-    bench.tool()->hidePlugin();
-    QVERIFY(bench.timerIntervals().isEmpty());
-    bench.tool()->showPlugin();
-    QCOMPARE(bench.timerIntervals(), QList<int>{100});
+    ToolRig rig;
+    rig.tool()->showPlugin();
+    rig.tool()->showPlugin();
+    QCOMPARE(rig.timerIntervals(), QList<int>{100});
+    rig.tool()->hidePlugin();
+    QVERIFY(rig.timerIntervals().isEmpty());
+    rig.tool()->hidePlugin();
+    QVERIFY(rig.timerIntervals().isEmpty());
+    rig.tool()->showPlugin();
+    QCOMPARE(rig.timerIntervals(), QList<int>{100});
 }
 
 void ToolLifecycleTest::hidingStopsTheUpdateTimerAlone()
 {
-    ToolBench bench;
-    bench.tool()->showPlugin();
-    bench.call("on_pbStart_clicked");
-    QCOMPARE(bench.timerIntervals(), (QList<int>{0, 50}));
-    bench.link.takeCalls();
-    bench.tool()->hidePlugin();
-    QCOMPARE(bench.timerIntervals(), QList<int>{0});
-    QVERIFY(bench.link.takeCalls().isEmpty());
-    QVERIFY(!bench.widget<QToolButton>("pbStart")->isEnabled());
+    ToolRig rig;
+    rig.tool()->showPlugin();
+    rig.call("on_pbStart_clicked");
+    QCOMPARE(rig.timerIntervals(), (QList<int>{0, 50}));
+    rig.link.takeCalls();
+    rig.tool()->hidePlugin();
+    QCOMPARE(rig.timerIntervals(), QList<int>{0});
+    QVERIFY(rig.link.takeCalls().isEmpty());
+    QVERIFY(!rig.widget<QToolButton>("pbStart")->isEnabled());
 }
 
 void ToolLifecycleTest::showDuringAMoveSlowsTheUpdateTimer()
 {
-    ToolBench bench;
-    bench.tool()->showPlugin();
-    bench.call("on_pbStart_clicked");
-    bench.tool()->showPlugin();
-    QCOMPARE(bench.timerIntervals(), (QList<int>{0, 100}));
-    QVERIFY(!bench.widget<QToolButton>("pbStart")->isEnabled());
+    ToolRig rig;
+    rig.tool()->showPlugin();
+    rig.call("on_pbStart_clicked");
+    rig.tool()->showPlugin();
+    QCOMPARE(rig.timerIntervals(), (QList<int>{0, 100}));
+    QVERIFY(!rig.widget<QToolButton>("pbStart")->isEnabled());
 }
 
 void ToolLifecycleTest::timersArePrecise()
 {
-    ToolBench bench;
-    bench.tool()->showPlugin();
-    QCOMPARE(timersOf(bench.tool()).value(0, {0, 0, Qt::CoarseTimer}).timerType, Qt::PreciseTimer);
-    bench.call("on_pbStart_clicked");
-    const auto moving = timersOf(bench.tool());
+    ToolRig rig;
+    rig.tool()->showPlugin();
+    QCOMPARE(timersOf(rig.tool()).value(0, {0, 0, Qt::CoarseTimer}).timerType, Qt::PreciseTimer);
+    rig.call("on_pbStart_clicked");
+    const auto moving = timersOf(rig.tool());
     QCOMPARE(moving.size(), 2);
     for (const auto &timer : moving)
         QCOMPARE(timer.timerType, Qt::PreciseTimer);
@@ -149,39 +149,39 @@ void ToolLifecycleTest::timersArePrecise()
 
 void ToolLifecycleTest::foreignTimersAreIgnored()
 {
-    ToolBench bench;
+    ToolRig rig;
     for (const int id : {-1, 0, 1 << 20}) {
         QTimerEvent event(id);
-        QCoreApplication::sendEvent(bench.tool(), &event);
+        QCoreApplication::sendEvent(rig.tool(), &event);
     }
-    QVERIFY(bench.link.takeCalls().isEmpty());
-    bench.tool()->showPlugin();
-    bench.link.takeCalls();
-    QTimerEvent event(bench.tool()->startTimer(7000));
-    QCoreApplication::sendEvent(bench.tool(), &event);
-    QVERIFY(bench.link.takeCalls().isEmpty());
-    QCOMPARE(bench.actual()->at(0), QPointF(0, 0));
+    QVERIFY(rig.link.takeCalls().isEmpty());
+    rig.tool()->showPlugin();
+    rig.link.takeCalls();
+    QTimerEvent event(rig.tool()->startTimer(7000));
+    QCoreApplication::sendEvent(rig.tool(), &event);
+    QVERIFY(rig.link.takeCalls().isEmpty());
+    QCOMPARE(rig.actual()->at(0), QPointF(0, 0));
 }
 
 void ToolLifecycleTest::deletionWritesNothingAndFreesEverything()
 {
-    ToolBench bench;
-    bench.tool()->showPlugin();
-    bench.setTarget({100, 100});
-    bench.call("on_pbStart_clicked");
-    QObject *const tool = bench.tool();
-    const QPointer<QObject> view = bench.view();
-    const QPointer<QObject> chart = bench.chart();
-    const QPointer<QObject> trace = bench.trace();
-    const QPointer<QObject> axis = bench.axisY();
+    ToolRig rig;
+    rig.tool()->showPlugin();
+    rig.setTarget({100, 100});
+    rig.call("on_pbStart_clicked");
+    QObject *const tool = rig.tool();
+    const QPointer<QObject> view = rig.view();
+    const QPointer<QObject> chart = rig.chart();
+    const QPointer<QObject> trace = rig.trace();
+    const QPointer<QObject> axis = rig.axisY();
     QList<QPointer<QObject>> children;
     for (QObject *child : tool->findChildren<QObject *>())
         children << child;
     QVERIFY(children.size() > 30);
     QCOMPARE(timersOf(tool).size(), 2);
-    bench.link.takeCalls();
-    bench.deleteTool();
-    QVERIFY(bench.link.takeCalls().isEmpty());
+    rig.link.takeCalls();
+    rig.deleteTool();
+    QVERIFY(rig.link.takeCalls().isEmpty());
     QVERIFY(timersOf(tool).isEmpty());
     QVERIFY(!view && !chart && !trace && !axis);
     for (const QPointer<QObject> &child : qAsConst(children))
@@ -203,17 +203,17 @@ void ToolLifecycleTest::deletionInTheMiddleOfShowIsSurvived_data()
 void ToolLifecycleTest::deletionInTheMiddleOfShowIsSurvived()
 {
     QFETCH(int, request);
-    ToolBench bench;
+    ToolRig rig;
     InterruptingLink link;
-    link.values = bench.link.values;
+    link.values = rig.link.values;
     link.interruptAt = request;
-    link.action = [&bench] { bench.deleteTool(); };
-    bench.module()->setLink(&link);
-    bench.tool()->showPlugin();
-    QVERIFY(!bench.tool());
+    link.action = [&rig] { rig.deleteTool(); };
+    rig.module()->setLink(&link);
+    rig.tool()->showPlugin();
+    QVERIFY(!rig.tool());
     // The request that was under way is the last one.
     QCOMPARE(link.calls.size(), request + 1);
-    bench.module()->setLink(nullptr);
+    rig.module()->setLink(nullptr);
 }
 
 void ToolLifecycleTest::toolWithoutChipIsQuiet_data()
@@ -227,26 +227,26 @@ void ToolLifecycleTest::toolWithoutChipIsQuiet_data()
 void ToolLifecycleTest::toolWithoutChipIsQuiet()
 {
     QFETCH(bool, hasModule);
-    BenchGaps gaps;
+    RigGaps gaps;
     gaps.hasChip = false;
     gaps.hasModule = hasModule;
-    ToolBench bench(0, gaps);
-    QCOMPARE(bench.limits(), QStringLiteral("-256 256 -256 256"));
-    QCOMPARE(bench.tool()->toolsName(false), QStringLiteral("Synchronized drive"));
-    QVERIFY(bench.axisX()->titleText().isEmpty());
-    QVERIFY(bench.axisY()->titleText().isEmpty());
-    bench.show();
-    QCOMPARE(bench.timerIntervals(), QList<int>{100});
-    callEverySlot(bench.tool());
-    bench.sampleTick();
-    bench.updateTick();
-    bench.widget<QToolButton>("pbStart")->setEnabled(true);
-    bench.widget<QToolButton>("pbStart")->click();
-    bench.widget<QToolButton>("pbStop")->click();
-    bench.sampleTick();
-    bench.updateTick();
-    bench.tool()->hidePlugin();
-    const QStringList calls = bench.takeCalls();
+    ToolRig rig(0, gaps);
+    QCOMPARE(rig.limits(), QStringLiteral("-256 256 -256 256"));
+    QCOMPARE(rig.tool()->toolsName(false), QStringLiteral("Synchronized drive"));
+    QVERIFY(rig.axisX()->titleText().isEmpty());
+    QVERIFY(rig.axisY()->titleText().isEmpty());
+    rig.show();
+    QCOMPARE(rig.timerIntervals(), QList<int>{100});
+    callEverySlot(rig.tool());
+    rig.sampleTick();
+    rig.updateTick();
+    rig.widget<QToolButton>("pbStart")->setEnabled(true);
+    rig.widget<QToolButton>("pbStart")->click();
+    rig.widget<QToolButton>("pbStop")->click();
+    rig.sampleTick();
+    rig.updateTick();
+    rig.tool()->hidePlugin();
+    const QStringList calls = rig.takeCalls();
     QVERIFY(calls.filter(QStringLiteral("read")).isEmpty());
     QVERIFY(calls.filter(QStringLiteral("write")).isEmpty());
 }

@@ -1,8 +1,8 @@
 #include "EventWatch.h"
 #include "HeadlessPlatform.h"
-#include "PollBench.h"
-#include "RampBench.h"
-#include "RegisterBench.h"
+#include "PollRig.h"
+#include "RampRig.h"
+#include "RegisterRig.h"
 
 #include <QDynamicPropertyChangeEvent>
 #include <QPointer>
@@ -15,29 +15,29 @@ namespace {
 constexpr int requestsOfShow = 15; ///< one sample and fourteen ramp settings
 
 /// Runs an action once, in the n-th request of those to come.
-void actInRequest(ToolBench &bench, int number, const std::function<void()> &action)
+void actInRequest(ToolRig &rig, int number, const std::function<void()> &action)
 {
-    bench.link.calls.clear();
-    bench.link.onRequest = [&bench, number, action] {
-        if (bench.link.calls.size() != number + 1)
+    rig.link.calls.clear();
+    rig.link.onRequest = [&rig, number, action] {
+        if (rig.link.calls.size() != number + 1)
             return;
         // Out of what is thrown away with the handler.
         const auto now = action;
-        bench.link.onRequest = nullptr;
+        rig.link.onRequest = nullptr;
         now();
     };
 }
 
 /// The leg to the path's second point is done and drawn: the next update tick finds its end.
-void arriveOnAFlightPath(PollBench &bench)
+void arriveOnAFlightPath(PollRig &rig)
 {
-    bench.makeWide();
-    bench.setTarget({300, 200});
-    bench.start();
-    bench.startButton()->setProperty("RunFp", 1);
-    bench.sample(300, 200);
-    bench.updateTick();
-    bench.takeCalls();
+    rig.makeWide();
+    rig.setTarget({300, 200});
+    rig.start();
+    rig.startButton()->setProperty("RunFp", 1);
+    rig.sample(300, 200);
+    rig.updateTick();
+    rig.takeCalls();
 }
 
 int readsIn(const QStringList &calls)
@@ -96,34 +96,34 @@ void ToolNestedTest::hideWithinShowHasTheLastWord_data()
 void ToolNestedTest::hideWithinShowHasTheLastWord()
 {
     QFETCH(int, request);
-    ToolBench bench;
-    actInRequest(bench, request, [&bench] { bench.tool()->hidePlugin(); });
-    bench.tool()->showPlugin();
-    QVERIFY(!bench.link.onRequest);
-    QVERIFY(bench.timerIntervals().isEmpty());
-    bench.tool()->showPlugin();
-    QCOMPARE(bench.timerIntervals(), QList<int>{100});
+    ToolRig rig;
+    actInRequest(rig, request, [&rig] { rig.tool()->hidePlugin(); });
+    rig.tool()->showPlugin();
+    QVERIFY(!rig.link.onRequest);
+    QVERIFY(rig.timerIntervals().isEmpty());
+    rig.tool()->showPlugin();
+    QCOMPARE(rig.timerIntervals(), QList<int>{100});
 }
 
 void ToolNestedTest::showAfterAHideWithinShowCounts()
 {
-    ToolBench bench;
-    actInRequest(bench, 3, [&bench] {
-        bench.tool()->hidePlugin();
-        bench.tool()->showPlugin();
+    ToolRig rig;
+    actInRequest(rig, 3, [&rig] {
+        rig.tool()->hidePlugin();
+        rig.tool()->showPlugin();
     });
-    bench.tool()->showPlugin();
-    QCOMPARE(bench.timerIntervals(), QList<int>{100});
-    bench.tool()->hidePlugin();
-    QVERIFY(bench.timerIntervals().isEmpty());
+    rig.tool()->showPlugin();
+    QCOMPARE(rig.timerIntervals(), QList<int>{100});
+    rig.tool()->hidePlugin();
+    QVERIFY(rig.timerIntervals().isEmpty());
 }
 
 void ToolNestedTest::showWithinShowKeepsOneTimer()
 {
-    ToolBench bench;
-    actInRequest(bench, 3, [&bench] { bench.tool()->showPlugin(); });
-    bench.tool()->showPlugin();
-    QCOMPARE(bench.timerIntervals(), QList<int>{100});
+    ToolRig rig;
+    actInRequest(rig, 3, [&rig] { rig.tool()->showPlugin(); });
+    rig.tool()->showPlugin();
+    QCOMPARE(rig.timerIntervals(), QList<int>{100});
 }
 
 void ToolNestedTest::hideWithinTheLookForTheEndKeepsTheMove_data()
@@ -138,18 +138,18 @@ void ToolNestedTest::hideWithinTheLookForTheEndKeepsTheMove_data()
 void ToolNestedTest::hideWithinTheLookForTheEndKeepsTheMove()
 {
     QFETCH(int, request);
-    PollBench bench;
-    arriveOnAFlightPath(bench);
-    actInRequest(bench, request, [&bench] { bench.tool()->hidePlugin(); });
-    bench.updateTick();
-    QCOMPARE(bench.takeCalls().size(), 2);
-    QCOMPARE(bench.timerIntervals(), QList<int>{0});
-    QVERIFY(!bench.startButton()->isEnabled());
-    QCOMPARE(bench.flightIndex(), 1);
-    bench.tool()->showPlugin();
-    bench.updateTick();
-    bench.updateTick();
-    QCOMPARE(bench.flightIndex(), 2);
+    PollRig rig;
+    arriveOnAFlightPath(rig);
+    actInRequest(rig, request, [&rig] { rig.tool()->hidePlugin(); });
+    rig.updateTick();
+    QCOMPARE(rig.takeCalls().size(), 2);
+    QCOMPARE(rig.timerIntervals(), QList<int>{0});
+    QVERIFY(!rig.startButton()->isEnabled());
+    QCOMPARE(rig.flightIndex(), 1);
+    rig.tool()->showPlugin();
+    rig.updateTick();
+    rig.updateTick();
+    QCOMPARE(rig.flightIndex(), 2);
 }
 
 void ToolNestedTest::stopEndsAFlightPathWhateverItsRequestsBringAbout_data()
@@ -165,16 +165,16 @@ void ToolNestedTest::stopEndsAFlightPathWhateverItsRequestsBringAbout_data()
 void ToolNestedTest::stopEndsAFlightPathWhateverItsRequestsBringAbout()
 {
     QFETCH(int, request);
-    PollBench bench;
-    arriveOnAFlightPath(bench);
-    actInRequest(bench, request, [&bench] { bench.updateTick(); });
-    bench.call("on_pbStop_clicked");
-    QCOMPARE(bench.takeWrites(), (QStringList{QStringLiteral("write M0_XTARGET m0 300"),
-                                              QStringLiteral("write M1_XTARGET m0 200"),
-                                              QStringLiteral("write RAMPMODE m0 0")}));
-    QVERIFY(bench.startButton()->isEnabled());
-    QCOMPARE(bench.flightIndex(), 12);
-    QCOMPARE(bench.target()->at(0), QPointF(300, 200));
+    PollRig rig;
+    arriveOnAFlightPath(rig);
+    actInRequest(rig, request, [&rig] { rig.updateTick(); });
+    rig.call("on_pbStop_clicked");
+    QCOMPARE(rig.takeWrites(), (QStringList{QStringLiteral("write M0_XTARGET m0 300"),
+                                            QStringLiteral("write M1_XTARGET m0 200"),
+                                            QStringLiteral("write RAMPMODE m0 0")}));
+    QVERIFY(rig.startButton()->isEnabled());
+    QCOMPARE(rig.flightIndex(), 12);
+    QCOMPARE(rig.target()->at(0), QPointF(300, 200));
 }
 
 void ToolNestedTest::stopHasTheLastWordOnAStartWithinIt_data()
@@ -185,68 +185,68 @@ void ToolNestedTest::stopHasTheLastWordOnAStartWithinIt_data()
 void ToolNestedTest::stopHasTheLastWordOnAStartWithinIt()
 {
     QFETCH(int, request);
-    PollBench bench;
-    bench.makeWide();
-    actInRequest(bench, request, [&bench] {
-        bench.setTarget({4000, 4000});
-        bench.call("on_pbStart_clicked");
+    PollRig rig;
+    rig.makeWide();
+    actInRequest(rig, request, [&rig] {
+        rig.setTarget({4000, 4000});
+        rig.call("on_pbStart_clicked");
     });
-    bench.call("on_pbStop_clicked");
-    const QStringList writes = bench.takeWrites();
+    rig.call("on_pbStop_clicked");
+    const QStringList writes = rig.takeWrites();
     QVERIFY(writes.filter(QStringLiteral("RAMPMODE m0 768")).size() == 1);
     QCOMPARE(writes.mid(writes.size() - 3), (QStringList{QStringLiteral("write M0_XTARGET m0 0"),
                                                          QStringLiteral("write M1_XTARGET m0 0"),
                                                          QStringLiteral("write RAMPMODE m0 0")}));
-    QCOMPARE(bench.target()->at(0), QPointF(0, 0));
+    QCOMPARE(rig.target()->at(0), QPointF(0, 0));
 }
 
 /// Each of the stop's requests has a start in its middle. Twice the stop is carried out again; then
 /// no start begins any more.
 void ToolNestedTest::startsWithoutEndDoNotKeepAStopFromEnding()
 {
-    PollBench bench;
-    bench.makeWide();
+    PollRig rig;
+    rig.makeWide();
     bool isStarting = false;
-    bench.link.onRequest = [&] {
+    rig.link.onRequest = [&] {
         if (isStarting)
             return;
         isStarting = true;
-        bench.setTarget({4000, 4000});
-        bench.call("on_pbStart_clicked");
+        rig.setTarget({4000, 4000});
+        rig.call("on_pbStart_clicked");
         isStarting = false;
     };
-    bench.call("on_pbStop_clicked");
-    bench.link.onRequest = nullptr;
-    const QStringList writes = bench.takeWrites();
+    rig.call("on_pbStop_clicked");
+    rig.link.onRequest = nullptr;
+    const QStringList writes = rig.takeWrites();
     QCOMPARE(writes.filter(QStringLiteral("RAMPMODE m0 768")).size(), 2 * 3);
-    QCOMPARE(bench.registerValue(QStringLiteral("RAMPMODE")), 0);
-    QCOMPARE(bench.registerValue(QStringLiteral("M0_XTARGET")), 0);
-    QCOMPARE(bench.flightIndex(), 12);
+    QCOMPARE(rig.registerValue(QStringLiteral("RAMPMODE")), 0);
+    QCOMPARE(rig.registerValue(QStringLiteral("M0_XTARGET")), 0);
+    QCOMPARE(rig.flightIndex(), 12);
     // Afterwards starts are what they were.
-    bench.call("on_pbStart_clicked");
-    QCOMPARE(bench.registerValue(QStringLiteral("RAMPMODE")), 768);
+    rig.call("on_pbStart_clicked");
+    QCOMPARE(rig.registerValue(QStringLiteral("RAMPMODE")), 768);
 }
 
 void ToolNestedTest::startBehindEachLastWriteOfAStopLosesToIt()
 {
-    PollBench bench;
-    bench.makeWide();
-    const unsigned int mode = ToolBench::address(QStringLiteral("RAMPMODE"));
+    PollRig rig;
+    rig.makeWide();
+    const unsigned int mode = ToolRig::address(QStringLiteral("RAMPMODE"));
     bool isStarting = false;
     QObject context;
-    connect(bench.module(), &HostModule::registerOutputBufferHasWritten, &context,
+    connect(rig.module(), &HostModule::registerOutputBufferHasWritten, &context,
             [&](unsigned short address, int value) {
                 if (isStarting || address != mode || value != 0)
                     return;
                 isStarting = true;
-                bench.setTarget({4000, 4000});
-                bench.call("on_pbStart_clicked");
+                rig.setTarget({4000, 4000});
+                rig.call("on_pbStart_clicked");
                 isStarting = false;
             });
-    bench.call("on_pbStop_clicked");
-    QCOMPARE(bench.registerValue(QStringLiteral("RAMPMODE")), 0);
-    QCOMPARE(bench.registerValue(QStringLiteral("M0_XTARGET")), 0);
-    QCOMPARE(bench.registerValue(QStringLiteral("M1_XTARGET")), 0);
+    rig.call("on_pbStop_clicked");
+    QCOMPARE(rig.registerValue(QStringLiteral("RAMPMODE")), 0);
+    QCOMPARE(rig.registerValue(QStringLiteral("M0_XTARGET")), 0);
+    QCOMPARE(rig.registerValue(QStringLiteral("M1_XTARGET")), 0);
 }
 
 void ToolNestedTest::stopInAnyRequestOfAStartLeavesTheVelocities_data()
@@ -260,60 +260,60 @@ void ToolNestedTest::stopInAnyRequestOfAStartLeavesTheVelocities_data()
 void ToolNestedTest::stopInAnyRequestOfAStartLeavesTheVelocities()
 {
     QFETCH(int, request);
-    PollBench bench;
-    bench.makeWide();
-    bench.setRegister(QStringLiteral("M0_VMAX"), 500);
-    bench.setRegister(QStringLiteral("M1_VMAX"), 700);
-    bench.setTarget({300, 200});
-    actInRequest(bench, request, [&bench] { bench.call("on_pbStop_clicked"); });
-    bench.call("on_pbStart_clicked");
-    QCOMPARE(bench.registerValue(QStringLiteral("M0_VMAX")), 500);
-    QCOMPARE(bench.registerValue(QStringLiteral("M1_VMAX")), 700);
-    QCOMPARE(bench.registerValue(QStringLiteral("RAMPMODE")), bench.link.onRequest ? 768 : 0);
+    PollRig rig;
+    rig.makeWide();
+    rig.setRegister(QStringLiteral("M0_VMAX"), 500);
+    rig.setRegister(QStringLiteral("M1_VMAX"), 700);
+    rig.setTarget({300, 200});
+    actInRequest(rig, request, [&rig] { rig.call("on_pbStop_clicked"); });
+    rig.call("on_pbStart_clicked");
+    QCOMPARE(rig.registerValue(QStringLiteral("M0_VMAX")), 500);
+    QCOMPARE(rig.registerValue(QStringLiteral("M1_VMAX")), 700);
+    QCOMPARE(rig.registerValue(QStringLiteral("RAMPMODE")), rig.link.onRequest ? 768 : 0);
 }
 
 /// As in any other request of the tick that would have found the end.
 void ToolNestedTest::hideInTheWriteOfATargetKeepsTheMove()
 {
-    PollBench bench;
-    arriveOnAFlightPath(bench);
-    bench.setTarget({50, 60});
-    actInRequest(bench, 0, [&bench] { bench.tool()->hidePlugin(); });
-    bench.updateTick();
-    QCOMPARE(bench.timerIntervals(), QList<int>{0});
-    QCOMPARE(bench.flightIndex(), 1);
-    QVERIFY(!bench.startButton()->isEnabled());
+    PollRig rig;
+    arriveOnAFlightPath(rig);
+    rig.setTarget({50, 60});
+    actInRequest(rig, 0, [&rig] { rig.tool()->hidePlugin(); });
+    rig.updateTick();
+    QCOMPARE(rig.timerIntervals(), QList<int>{0});
+    QCOMPARE(rig.flightIndex(), 1);
+    QVERIFY(!rig.startButton()->isEnabled());
 }
 
 void ToolNestedTest::startInTheWriteOfATargetIsNotEndedWithIt()
 {
-    PollBench bench;
-    bench.makeWide();
-    bench.setTarget({50, 60});
-    actInRequest(bench, 0, [&bench] { bench.call("on_pbStart_clicked"); });
-    bench.updateTick();
-    QCOMPARE(bench.timerIntervals(), QList<int>({0, 50}));
-    QVERIFY(!bench.startButton()->isEnabled());
+    PollRig rig;
+    rig.makeWide();
+    rig.setTarget({50, 60});
+    actInRequest(rig, 0, [&rig] { rig.call("on_pbStart_clicked"); });
+    rig.updateTick();
+    QCOMPARE(rig.timerIntervals(), QList<int>({0, 50}));
+    QVERIFY(!rig.startButton()->isEnabled());
 }
 
 void ToolNestedTest::targetPickedAwayAndBackWhileItIsWrittenGoesOutWhole()
 {
-    PollBench bench;
-    bench.makeWide();
-    bench.setTarget({50, 60});
-    bench.link.calls.clear();
-    bench.link.onRequest = [&bench] {
-        if (bench.link.calls.size() == 1)
-            bench.setTarget({500, 600});
+    PollRig rig;
+    rig.makeWide();
+    rig.setTarget({50, 60});
+    rig.link.calls.clear();
+    rig.link.onRequest = [&rig] {
+        if (rig.link.calls.size() == 1)
+            rig.setTarget({500, 600});
         else
-            bench.setTarget({50, 60});
+            rig.setTarget({50, 60});
     };
-    bench.updateTick();
-    bench.link.onRequest = nullptr;
-    bench.updateTick();
-    QCOMPARE(bench.registerValue(QStringLiteral("M0_XTARGET")), 50);
-    QCOMPARE(bench.registerValue(QStringLiteral("M1_XTARGET")), 60);
-    QVERIFY(!bench.isTargetNew());
+    rig.updateTick();
+    rig.link.onRequest = nullptr;
+    rig.updateTick();
+    QCOMPARE(rig.registerValue(QStringLiteral("M0_XTARGET")), 50);
+    QCOMPARE(rig.registerValue(QStringLiteral("M1_XTARGET")), 60);
+    QVERIFY(!rig.isTargetNew());
 }
 
 void ToolNestedTest::whatComesWhileVelocitiesAreReadKeepsTheMove_data()
@@ -329,42 +329,42 @@ void ToolNestedTest::whatComesWhileVelocitiesAreReadKeepsTheMove_data()
 void ToolNestedTest::whatComesWhileVelocitiesAreReadKeepsTheMove()
 {
     QFETCH(QByteArray, what);
-    PollBench bench;
-    bench.makeWide();
-    bench.setTarget({300, 200});
-    bench.start();
-    bench.updateTick();
-    bench.start();
-    actInRequest(bench, 1, [&] {
+    PollRig rig;
+    rig.makeWide();
+    rig.setTarget({300, 200});
+    rig.start();
+    rig.updateTick();
+    rig.start();
+    actInRequest(rig, 1, [&] {
         if (what == "start") {
-            bench.call("on_pbStart_clicked");
+            rig.call("on_pbStart_clicked");
         } else if (what == "tick") {
-            bench.sample(30, 20);
-            bench.updateTick();
+            rig.sample(30, 20);
+            rig.updateTick();
         } else {
-            bench.setTarget({700, 800});
+            rig.setTarget({700, 800});
         }
     });
-    bench.updateTick();
-    QVERIFY(!bench.link.onRequest);
-    QVERIFY(!bench.startButton()->isEnabled());
-    QCOMPARE(bench.timerIntervals(), QList<int>({0, 50}));
+    rig.updateTick();
+    QVERIFY(!rig.link.onRequest);
+    QVERIFY(!rig.startButton()->isEnabled());
+    QCOMPARE(rig.timerIntervals(), QList<int>({0, 50}));
 }
 
 void ToolNestedTest::stopDrivesToOnePointWhateverIsDrawnMeanwhile()
 {
-    PollBench bench;
-    bench.makeWide();
-    bench.setTarget({300, 200});
-    bench.start();
-    bench.sample(100, 60);
-    bench.updateTick();
-    bench.sample(120, 80);
-    bench.takeCalls();
-    actInRequest(bench, 0, [&bench] { bench.updateTick(); });
-    bench.call("on_pbStop_clicked");
-    QCOMPARE(bench.actual()->at(0), QPointF(120, 80));
-    QCOMPARE(bench.takeWrites().mid(1).filter(QStringLiteral("XTARGET")).constLast(),
+    PollRig rig;
+    rig.makeWide();
+    rig.setTarget({300, 200});
+    rig.start();
+    rig.sample(100, 60);
+    rig.updateTick();
+    rig.sample(120, 80);
+    rig.takeCalls();
+    actInRequest(rig, 0, [&rig] { rig.updateTick(); });
+    rig.call("on_pbStop_clicked");
+    QCOMPARE(rig.actual()->at(0), QPointF(120, 80));
+    QCOMPARE(rig.takeWrites().mid(1).filter(QStringLiteral("XTARGET")).constLast(),
              QStringLiteral("write M1_XTARGET m0 60"));
 }
 
@@ -381,63 +381,60 @@ void ToolNestedTest::settingsWrittenWhileTheyAreReadAreReadAgain()
 {
     QFETCH(int, before);
     QFETCH(int, after);
-    RampBench bench;
+    RampRig rig;
     const QString name = QStringLiteral("M0_VMAX");
-    bench.setRegister(name, before);
-    actInRequest(bench, 5, [&] {
-        bench.setRegister(name, after);
-        bench.tellWritten(ToolBench::address(name));
+    rig.setRegister(name, before);
+    actInRequest(rig, 5, [&] {
+        rig.setRegister(name, after);
+        rig.tellWritten(ToolRig::address(name));
     });
-    bench.tool()->showPlugin();
-    QCOMPARE(bench.takeCalls().filter(QStringLiteral("read")), readsOfAll() + readsOfAll());
-    QVERIFY(after == 0 ? bench.isMarked({name}, {}) : bench.isUnmarked());
+    rig.tool()->showPlugin();
+    QCOMPARE(rig.takeCalls().filter(QStringLiteral("read")), readsOfAll() + readsOfAll());
+    QVERIFY(after == 0 ? rig.isMarked({name}, {}) : rig.isUnmarked());
 }
 
 void ToolNestedTest::writesWithoutEndDoNotKeepTheCheckFromEnding()
 {
-    RampBench bench;
-    bench.link.onRequest = [&bench] {
-        bench.tellWritten(ToolBench::address(QStringLiteral("M0_D1")));
-    };
-    bench.setRegister(QStringLiteral("M1_AMAX"), 0);
-    bench.tool()->showPlugin();
-    QVERIFY(bench.isMarked({}, {QStringLiteral("M1_AMAX")}));
-    QVERIFY(readsIn(bench.takeCalls()) <= 2 * 3 * readsOfAll().size());
-    bench.link.onRequest = nullptr;
+    RampRig rig;
+    rig.link.onRequest = [&rig] { rig.tellWritten(ToolRig::address(QStringLiteral("M0_D1"))); };
+    rig.setRegister(QStringLiteral("M1_AMAX"), 0);
+    rig.tool()->showPlugin();
+    QVERIFY(rig.isMarked({}, {QStringLiteral("M1_AMAX")}));
+    QVERIFY(readsIn(rig.takeCalls()) <= 2 * 3 * readsOfAll().size());
+    rig.link.onRequest = nullptr;
 }
 
 void ToolNestedTest::manyWritesWithinACheckMakeOneMore()
 {
-    RampBench bench;
-    actInRequest(bench, 2, [&bench] {
+    RampRig rig;
+    actInRequest(rig, 2, [&rig] {
         for (int i = 0; i < 200; ++i)
-            bench.tellWritten(ToolBench::address(QStringLiteral("M0_A1")));
+            rig.tellWritten(ToolRig::address(QStringLiteral("M0_A1")));
     });
-    bench.tellWritten(ToolBench::address(QStringLiteral("M0_A1")));
-    QCOMPARE(readsIn(bench.takeCalls()), 2 * readsOfAll().size());
+    rig.tellWritten(ToolRig::address(QStringLiteral("M0_A1")));
+    QCOMPARE(readsIn(rig.takeCalls()), 2 * readsOfAll().size());
 }
 
 void ToolNestedTest::checkWorksAgainAfterNestedOnes()
 {
-    RampBench bench;
-    actInRequest(bench, 2,
-                 [&bench] { bench.tellWritten(ToolBench::address(QStringLiteral("M0_A1"))); });
-    bench.check();
-    bench.setRegister(QStringLiteral("M0_AMAX"), 0);
-    QCOMPARE(bench.check(), readsOfAll());
-    QVERIFY(bench.isMarked({QStringLiteral("M0_AMAX")}, {}));
+    RampRig rig;
+    actInRequest(rig, 2, [&rig] { rig.tellWritten(ToolRig::address(QStringLiteral("M0_A1"))); });
+    rig.check();
+    rig.setRegister(QStringLiteral("M0_AMAX"), 0);
+    QCOMPARE(rig.check(), readsOfAll());
+    QVERIFY(rig.isMarked({QStringLiteral("M0_AMAX")}, {}));
 }
 
 /// The tool goes on with the chip that it was made for.
 void ToolNestedTest::anotherChipIsNotFollowed()
 {
-    RampBench bench;
-    bench.check();
-    bench.module()->setProduct(0, ProductBuilder().take());
-    bench.module()->setProduct(1, ProductBuilder().take());
-    bench.setRegister(QStringLiteral("M1_DMAX"), 0);
-    QCOMPARE(bench.check(), readsOfAll());
-    QVERIFY(bench.isMarked({}, {QStringLiteral("M1_DMAX")}));
+    RampRig rig;
+    rig.check();
+    rig.module()->setProduct(0, ProductBuilder().take());
+    rig.module()->setProduct(1, ProductBuilder().take());
+    rig.setRegister(QStringLiteral("M1_DMAX"), 0);
+    QCOMPARE(rig.check(), readsOfAll());
+    QVERIFY(rig.isMarked({}, {QStringLiteral("M1_DMAX")}));
 }
 
 void ToolNestedTest::moduleThatGoesFirstIsNotUsed()
@@ -480,12 +477,12 @@ void ToolNestedTest::callsWhileTheToolIsBeingMadeAreSurvived()
         tool->showPlugin();
         tool->hidePlugin();
     });
-    ToolBench bench;
+    ToolRig rig;
     QVERIFY(isCalled);
-    bench.tool()->showPlugin();
-    bench.setTarget({10, 20});
-    bench.updateTick();
-    QCOMPARE(bench.registerValue(QStringLiteral("M0_XTARGET")), 10);
+    rig.tool()->showPlugin();
+    rig.setTarget({10, 20});
+    rig.updateTick();
+    QCOMPARE(rig.registerValue(QStringLiteral("M0_XTARGET")), 10);
 }
 
 QTEST_MAIN(ToolNestedTest)

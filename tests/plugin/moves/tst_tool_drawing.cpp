@@ -1,5 +1,5 @@
 #include "HeadlessPlatform.h"
-#include "PollBench.h"
+#include "PollRig.h"
 
 #include "XmlRegisterWidget.h"
 
@@ -15,13 +15,13 @@ namespace {
 
 /// The trace once these points have been appended one by one, each unless it falls on the pixel of
 /// the one drawn before.
-QVector<QPointF> appended(const ToolBench &bench, const QVector<QPointF> &points)
+QVector<QPointF> appended(const ToolRig &rig, const QVector<QPointF> &points)
 {
     const auto pixel = [&](const QPointF &point) {
-        const QPointF at = bench.chart()->mapToPosition(point, bench.trace());
+        const QPointF at = rig.chart()->mapToPosition(point, rig.trace());
         return QPointF(std::floor(at.x() + 0.5), std::floor(at.y() + 0.5));
     };
-    QVector<QPointF> trace = bench.trace()->pointsVector();
+    QVector<QPointF> trace = rig.trace()->pointsVector();
     for (const QPointF &point : points) {
         if (pixel(point) != pixel(trace.constLast()))
             trace << point;
@@ -55,108 +55,108 @@ private slots:
 
 void ToolDrawingTest::samplesAreDrawnTogether()
 {
-    PollBench bench;
-    bench.makeWide();
-    bench.start();
-    bench.sample(1000, 0);
-    bench.sample(2000, 1000);
-    bench.sample(3000, -1000);
-    QCOMPARE(bench.trace()->count(), 1);
-    bench.updateTick();
-    QCOMPARE(bench.trace()->pointsVector(),
+    PollRig rig;
+    rig.makeWide();
+    rig.start();
+    rig.sample(1000, 0);
+    rig.sample(2000, 1000);
+    rig.sample(3000, -1000);
+    QCOMPARE(rig.trace()->count(), 1);
+    rig.updateTick();
+    QCOMPARE(rig.trace()->pointsVector(),
              QVector<QPointF>({{0, 0}, {1000, 0}, {2000, 1000}, {3000, -1000}}));
     // What is drawn is not drawn again.
-    bench.sample(0, -3000);
-    bench.updateTick();
-    QCOMPARE(bench.trace()->count(), 5);
+    rig.sample(0, -3000);
+    rig.updateTick();
+    QCOMPARE(rig.trace()->count(), 5);
 }
 
 void ToolDrawingTest::pointsOnTheSamePixelAreDrawnOnce()
 {
-    PollBench bench;
-    bench.makeWide();
-    bench.start();
+    PollRig rig;
+    rig.makeWide();
+    rig.start();
     for (int tick = 0; tick < 4; ++tick) {
         QVector<QPointF> points;
         for (int i = 1; i <= 200; ++i) {
             const double t = tick + i / 200.0;
             points << QPointF(std::floor(2000 * std::sin(t)) + i % 3,
                               std::floor(1500 * std::cos(2 * t)));
-            bench.sample(int(points.constLast().x()), int(points.constLast().y()));
+            rig.sample(int(points.constLast().x()), int(points.constLast().y()));
         }
-        const QVector<QPointF> wanted = appended(bench, points);
-        QVERIFY(wanted.size() < bench.trace()->count() + 190);
-        QVERIFY(wanted.size() > bench.trace()->count() + 20);
-        bench.updateTick();
-        QCOMPARE(bench.trace()->pointsVector(), wanted);
+        const QVector<QPointF> wanted = appended(rig, points);
+        QVERIFY(wanted.size() < rig.trace()->count() + 190);
+        QVERIFY(wanted.size() > rig.trace()->count() + 20);
+        rig.updateTick();
+        QCOMPARE(rig.trace()->pointsVector(), wanted);
     }
 }
 
 void ToolDrawingTest::drawingChangesTheTraceAtMostOnce()
 {
-    PollBench bench;
-    bench.makeWide();
-    bench.start();
-    ChangeCount trace(bench.trace());
+    PollRig rig;
+    rig.makeWide();
+    rig.start();
+    ChangeCount trace(rig.trace());
     for (int i = 1; i <= 100; ++i)
-        bench.sample(30 * i, -20 * i);
+        rig.sample(30 * i, -20 * i);
     QCOMPARE(trace.take(), 0);
-    bench.updateTick();
+    rig.updateTick();
     QCOMPARE(trace.take(), 1);
-    QVERIFY(bench.trace()->count() > 50);
+    QVERIFY(rig.trace()->count() > 50);
     // Nothing that shows: another unit on the same pixel.
-    const int before = bench.trace()->count();
-    const int x = appended(bench, {QPointF(3001, -2000)}).size() == before ? 3001 : 2999;
-    bench.sample(x, -2000);
-    bench.updateTick();
-    QCOMPARE(bench.actual()->at(0), QPointF(x, -2000));
+    const int before = rig.trace()->count();
+    const int x = appended(rig, {QPointF(3001, -2000)}).size() == before ? 3001 : 2999;
+    rig.sample(x, -2000);
+    rig.updateTick();
+    QCOMPARE(rig.actual()->at(0), QPointF(x, -2000));
     QCOMPARE(trace.take(), 0);
 }
 
 void ToolDrawingTest::theActualMarkerGoesToTheNewestSample()
 {
-    PollBench bench;
-    bench.makeWide();
-    bench.start();
-    ChangeCount actual(bench.actual());
-    bench.sample(1000, 0);
-    bench.sample(2000, 1000);
-    bench.updateTick();
+    PollRig rig;
+    rig.makeWide();
+    rig.start();
+    ChangeCount actual(rig.actual());
+    rig.sample(1000, 0);
+    rig.sample(2000, 1000);
+    rig.updateTick();
     QCOMPARE(actual.take(), 1);
-    QCOMPARE(bench.actual()->pointsVector(), QVector<QPointF>{QPointF(2000, 1000)});
+    QCOMPARE(rig.actual()->pointsVector(), QVector<QPointF>{QPointF(2000, 1000)});
 }
 
 void ToolDrawingTest::theActualWidgetsShowTheNewestSample()
 {
-    PollBench bench;
-    bench.makeWide();
-    QSignalSpy m0(bench.registerWidget("M0_XACTUAL"), &XmlRegisterWidget::valueChanged);
-    QSignalSpy m1(bench.registerWidget("M1_XACTUAL"), &XmlRegisterWidget::valueChanged);
-    bench.start();
-    bench.sample(1000, -7);
-    bench.sample(2000, -8);
-    bench.updateTick();
+    PollRig rig;
+    rig.makeWide();
+    QSignalSpy m0(rig.registerWidget("M0_XACTUAL"), &XmlRegisterWidget::valueChanged);
+    QSignalSpy m1(rig.registerWidget("M1_XACTUAL"), &XmlRegisterWidget::valueChanged);
+    rig.start();
+    rig.sample(1000, -7);
+    rig.sample(2000, -8);
+    rig.updateTick();
     QCOMPARE(m0.count(), 1);
     QCOMPARE(m0.at(0).at(0).toInt(), 2000);
     QCOMPARE(m1.count(), 1);
     QCOMPARE(m1.at(0).at(0).toInt(), -8);
-    QCOMPARE(bench.takeWrites(), QStringList());
+    QCOMPARE(rig.takeWrites(), QStringList());
 }
 
 void ToolDrawingTest::drawingWithoutActualWidgetsWorks()
 {
-    PollBench bench;
-    bench.makeWide();
-    delete bench.registerWidget("M0_XACTUAL");
-    bench.start();
-    bench.sample(9000, -7);
-    QSignalSpy m1(bench.registerWidget("M1_XACTUAL"), &XmlRegisterWidget::valueChanged);
-    bench.updateTick();
+    PollRig rig;
+    rig.makeWide();
+    delete rig.registerWidget("M0_XACTUAL");
+    rig.start();
+    rig.sample(9000, -7);
+    QSignalSpy m1(rig.registerWidget("M1_XACTUAL"), &XmlRegisterWidget::valueChanged);
+    rig.updateTick();
     QCOMPARE(m1.count(), 1);
-    delete bench.registerWidget("M1_XACTUAL");
-    bench.sample(9001, -9000);
-    bench.updateTick();
-    QCOMPARE(bench.actual()->at(0), QPointF(9001, -9000));
+    delete rig.registerWidget("M1_XACTUAL");
+    rig.sample(9001, -9000);
+    rig.updateTick();
+    QCOMPARE(rig.actual()->at(0), QPointF(9001, -9000));
 }
 
 void ToolDrawingTest::theViewFollowsTheActualPosition_data()
@@ -182,28 +182,28 @@ void ToolDrawingTest::theViewFollowsTheActualPosition()
 {
     QFETCH(QPoint, position);
     QFETCH(QString, limits);
-    PollBench bench;
-    bench.start();
-    bench.sample(position.x(), position.y());
-    bench.updateTick();
-    QCOMPARE(bench.limits(), limits);
-    QCOMPARE(bench.axisX()->min(), double(bench.widget<QSpinBox>("spM0min")->value()));
-    QCOMPARE(bench.axisX()->max(), double(bench.widget<QSpinBox>("spM0max")->value()));
-    QCOMPARE(bench.axisY()->min(), double(bench.widget<QSpinBox>("spM1min")->value()));
-    QCOMPARE(bench.axisY()->max(), double(bench.widget<QSpinBox>("spM1max")->value()));
+    PollRig rig;
+    rig.start();
+    rig.sample(position.x(), position.y());
+    rig.updateTick();
+    QCOMPARE(rig.limits(), limits);
+    QCOMPARE(rig.axisX()->min(), double(rig.widget<QSpinBox>("spM0min")->value()));
+    QCOMPARE(rig.axisX()->max(), double(rig.widget<QSpinBox>("spM0max")->value()));
+    QCOMPARE(rig.axisY()->min(), double(rig.widget<QSpinBox>("spM1min")->value()));
+    QCOMPARE(rig.axisY()->max(), double(rig.widget<QSpinBox>("spM1max")->value()));
 }
 
 void ToolDrawingTest::theViewFollowsInWholeSteps()
 {
     // 512 / 6 is 85 in whole steps, and with the fraction the limit would miss the grid line -512.
-    PollBench bench;
-    bench.setLimits(-1536, -1024, -1536, -1024);
-    bench.axisX()->setTickCount(7);
-    bench.start();
-    bench.sample(-597, -597);
-    bench.updateTick();
-    QCOMPARE(bench.limits(), QStringLiteral("-1536 -512 -1536 -256"));
-    PollBench other;
+    PollRig rig;
+    rig.setLimits(-1536, -1024, -1536, -1024);
+    rig.axisX()->setTickCount(7);
+    rig.start();
+    rig.sample(-597, -597);
+    rig.updateTick();
+    QCOMPARE(rig.limits(), QStringLiteral("-1536 -512 -1536 -256"));
+    PollRig other;
     other.setLimits(-1536, -1024, -1536, -1024);
     other.axisY()->setTickCount(7);
     other.start();
@@ -214,58 +214,58 @@ void ToolDrawingTest::theViewFollowsInWholeSteps()
 
 void ToolDrawingTest::theTraceIsCutToItsLength()
 {
-    PollBench bench;
-    bench.makeWide();
-    bench.widget<QSpinBox>("spTraces")->setValue(100);
-    bench.start();
+    PollRig rig;
+    rig.makeWide();
+    rig.widget<QSpinBox>("spTraces")->setValue(100);
+    rig.start();
     QVector<QPointF> points;
     for (int i = 1; i <= 149; ++i) {
         points << QPointF(i % 2 ? 4000 : -4000, 50 * i);
-        bench.sample(int(points.constLast().x()), int(points.constLast().y()));
+        rig.sample(int(points.constLast().x()), int(points.constLast().y()));
     }
-    bench.updateTick();
-    QCOMPARE(bench.trace()->pointsVector(), points.mid(49));
-    ChangeCount trace(bench.trace());
-    bench.updateTick();
+    rig.updateTick();
+    QCOMPARE(rig.trace()->pointsVector(), points.mid(49));
+    ChangeCount trace(rig.trace());
+    rig.updateTick();
     QCOMPARE(trace.take(), 0);
 }
 
 void ToolDrawingTest::aShorterLengthCutsWithTheNextTick()
 {
-    PollBench bench;
-    bench.makeWide();
-    bench.start();
+    PollRig rig;
+    rig.makeWide();
+    rig.start();
     for (int i = 1; i <= 20; ++i)
-        bench.sample(100 * i, 100 * i);
-    bench.updateTick();
-    bench.updateTick();
-    QVERIFY(bench.startButton()->isEnabled());
-    QCOMPARE(bench.trace()->count(), 21);
-    bench.widget<QSpinBox>("spTraces")->setValue(12);
-    QCOMPARE(bench.trace()->count(), 21);
-    bench.updateTick();
-    QCOMPARE(bench.trace()->count(), 12);
-    QCOMPARE(bench.trace()->at(0), QPointF(900, 900));
-    QCOMPARE(bench.trace()->at(11), QPointF(2000, 2000));
+        rig.sample(100 * i, 100 * i);
+    rig.updateTick();
+    rig.updateTick();
+    QVERIFY(rig.startButton()->isEnabled());
+    QCOMPARE(rig.trace()->count(), 21);
+    rig.widget<QSpinBox>("spTraces")->setValue(12);
+    QCOMPARE(rig.trace()->count(), 21);
+    rig.updateTick();
+    QCOMPARE(rig.trace()->count(), 12);
+    QCOMPARE(rig.trace()->at(0), QPointF(900, 900));
+    QCOMPARE(rig.trace()->at(11), QPointF(2000, 2000));
 }
 
 void ToolDrawingTest::theHistoryIsBounded()
 {
     constexpr int capacity = 100000;
     constexpr int surplus = 120;
-    PollBench bench;
-    bench.makeWide();
-    bench.start();
+    PollRig rig;
+    rig.makeWide();
+    rig.start();
     for (int i = 0; i < surplus; ++i)
-        bench.sample(-6000 + 100 * i, 6000);
-    bench.sample(7000, -7000);
+        rig.sample(-6000 + 100 * i, 6000);
+    rig.sample(7000, -7000);
     for (int i = 1; i < capacity; ++i) {
-        bench.sample(i % 2000, -i / 2000);
-        bench.link.calls.clear();
+        rig.sample(i % 2000, -i / 2000);
+        rig.link.calls.clear();
     }
-    bench.updateTick();
-    bench.axisX()->setRange(-16384, 16384);
-    const QVector<QPointF> redrawn = bench.trace()->pointsVector();
+    rig.updateTick();
+    rig.axisX()->setRange(-16384, 16384);
+    const QVector<QPointF> redrawn = rig.trace()->pointsVector();
     QVERIFY(redrawn.size() > 1);
     QCOMPARE(redrawn.at(0), QPointF(7000, -7000));
     for (const QPointF &point : redrawn)
@@ -274,41 +274,41 @@ void ToolDrawingTest::theHistoryIsBounded()
 
 void ToolDrawingTest::aPlotOfHardlyAnySizeIsSurvived()
 {
-    PollBench bench;
-    bench.makeWide();
-    bench.chart()->setPlotArea(QRectF(100, 100, 1e-300, 1e-300));
-    bench.start();
+    PollRig rig;
+    rig.makeWide();
+    rig.chart()->setPlotArea(QRectF(100, 100, 1e-300, 1e-300));
+    rig.start();
     for (int i = 1; i <= 20; ++i)
-        bench.sample(100 * i, -100 * i);
-    bench.updateTick();
-    QCOMPARE(bench.actual()->at(0), QPointF(2000, -2000));
-    bench.widget<QPushButton>("btnZoomIn")->click();
-    bench.widget<QPushButton>("btnZoomOut")->click();
-    bench.sample(9000, 9000);
-    bench.updateTick();
-    QCOMPARE(bench.axisX()->max(), double(bench.widget<QSpinBox>("spM0max")->value()));
-    QVERIFY(bench.trace()->count() >= 1);
+        rig.sample(100 * i, -100 * i);
+    rig.updateTick();
+    QCOMPARE(rig.actual()->at(0), QPointF(2000, -2000));
+    rig.widget<QPushButton>("btnZoomIn")->click();
+    rig.widget<QPushButton>("btnZoomOut")->click();
+    rig.sample(9000, 9000);
+    rig.updateTick();
+    QCOMPARE(rig.axisX()->max(), double(rig.widget<QSpinBox>("spM0max")->value()));
+    QVERIFY(rig.trace()->count() >= 1);
 }
 
 /// Hidden, it draws nothing for as long as the axes tremble, and keeps no more than it may draw.
 void ToolDrawingTest::aLongHiddenMoveIsDrawnWithItsNewestPoints()
 {
     constexpr int samples = 250000;
-    PollBench bench;
-    bench.makeWide();
-    bench.widget<QSpinBox>("spTraces")->setValue(100000);
-    bench.setTarget({4000, 4000});
-    bench.start();
-    bench.tool()->hidePlugin();
+    PollRig rig;
+    rig.makeWide();
+    rig.widget<QSpinBox>("spTraces")->setValue(100000);
+    rig.setTarget({4000, 4000});
+    rig.start();
+    rig.tool()->hidePlugin();
     // Each a pixel or more from the one before it.
     const auto positionOf = [](int sample) { return QPoint(sample % 2 * 8000 - 4000, sample % 9); };
     for (int i = 0; i < samples; ++i)
-        bench.sample(positionOf(i).x(), positionOf(i).y());
-    bench.tool()->showPlugin();
-    bench.updateTick();
+        rig.sample(positionOf(i).x(), positionOf(i).y());
+    rig.tool()->showPlugin();
+    rig.updateTick();
     const QPoint newest = positionOf(samples - 1);
-    QCOMPARE(bench.actual()->at(0), QPointF(newest));
-    const QVector<QPointF> drawn = bench.trace()->pointsVector();
+    QCOMPARE(rig.actual()->at(0), QPointF(newest));
+    const QVector<QPointF> drawn = rig.trace()->pointsVector();
     QVERIFY(drawn.size() > 90000 && drawn.size() <= 100000);
     for (int i = 0; i < 90000; ++i)
         QCOMPARE(drawn.at(drawn.size() - 1 - i), QPointF(positionOf(samples - 1 - i)));

@@ -1,5 +1,5 @@
 #include "HeadlessPlatform.h"
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include "XmlProductIC.h"
 #include "XmlRegisterWidget.h"
@@ -48,11 +48,11 @@ QStringList without(QStringList lines, const QString &name)
     return lines;
 }
 
-/// A bench with velocities 500 and 700 and a fractional target, quiet so far.
-struct ReadyBench : ToolBench
+/// A rig with velocities 500 and 700 and a fractional target, quiet so far.
+struct ReadyRig : ToolRig
 {
-    explicit ReadyBench(unsigned char motor = 0, const BenchGaps &gaps = {})
-        : ToolBench(motor, gaps)
+    explicit ReadyRig(unsigned char motor = 0, const RigGaps &gaps = {})
+        : ToolRig(motor, gaps)
     {
         setRegister(QStringLiteral("M0_VMAX"), 500);
         setRegister(QStringLiteral("M1_VMAX"), 700);
@@ -76,12 +76,12 @@ struct ReadyBench : ToolBench
 };
 
 /// Gone in one of the ways in which a binding can go.
-void takeAway(ReadyBench &bench, const QString &name, bool isField)
+void takeAway(ReadyRig &rig, const QString &name, bool isField)
 {
     if (isField)
-        delete bench.registerWidget(qPrintable(name));
+        delete rig.registerWidget(qPrintable(name));
     else
-        delete bench.module()->getIcProduct(0)->getRegisterByName(name, true);
+        delete rig.module()->getIcProduct(0)->getRegisterByName(name, true);
 }
 
 } // namespace
@@ -130,18 +130,18 @@ void ToolMotionTest::startWritesInItsOrder_data()
 void ToolMotionTest::startWritesInItsOrder()
 {
     QFETCH(int, motor);
-    ReadyBench bench(static_cast<unsigned char>(motor));
-    bench.call("on_pbStart_clicked");
-    QCOMPARE(bench.takeWrites(), startWrites(motor, 100, -200));
+    ReadyRig rig(static_cast<unsigned char>(motor));
+    rig.call("on_pbStart_clicked");
+    QCOMPARE(rig.takeWrites(), startWrites(motor, 100, -200));
     // The marker follows its register, so a second start finds whole numbers.
-    QCOMPARE(bench.target()->at(0), QPointF(100, -200));
+    QCOMPARE(rig.target()->at(0), QPointF(100, -200));
 }
 
 void ToolMotionTest::startReadsBothVelocitiesFirst()
 {
-    ReadyBench bench(1);
-    bench.call("on_pbStart_clicked");
-    const QStringList calls = bench.takeCalls();
+    ReadyRig rig(1);
+    rig.call("on_pbStart_clicked");
+    const QStringList calls = rig.takeCalls();
     QCOMPARE(calls.mid(0, 3),
              QStringList({QStringLiteral("read M0_VMAX m1"), QStringLiteral("read M1_VMAX m1"),
                           QStringLiteral("write M0_VMAX m1 0")}));
@@ -150,107 +150,106 @@ void ToolMotionTest::startReadsBothVelocitiesFirst()
 
 void ToolMotionTest::startRunsBothTimersPrecisely()
 {
-    ReadyBench bench;
-    bench.call("on_pbStart_clicked");
-    QCOMPARE(bench.timerIntervals(), QList<int>({0, 50}));
-    const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(bench.tool());
+    ReadyRig rig;
+    rig.call("on_pbStart_clicked");
+    QCOMPARE(rig.timerIntervals(), QList<int>({0, 50}));
+    const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(rig.tool());
     for (const auto &timer : timers)
         QCOMPARE(timer.timerType, Qt::PreciseTimer);
 }
 
 void ToolMotionTest::startBeginsWithTheUpdateTimerAndEndsWithTheSampleTimer()
 {
-    ReadyBench bench;
+    ReadyRig rig;
     int requests = 0;
     bool isInOrder = true;
-    bench.link.onRequest = [&] {
+    rig.link.onRequest = [&] {
         ++requests;
-        isInOrder =
-            isInOrder && bench.timerIntervals() == QList<int>{50} && bench.start()->isEnabled();
+        isInOrder = isInOrder && rig.timerIntervals() == QList<int>{50} && rig.start()->isEnabled();
     };
-    bench.call("on_pbStart_clicked");
-    bench.link.onRequest = nullptr;
+    rig.call("on_pbStart_clicked");
+    rig.link.onRequest = nullptr;
     QVERIFY(requests >= 11);
     QVERIFY(isInOrder);
 }
 
 void ToolMotionTest::startRestartsTheUpdateTimer()
 {
-    ReadyBench bench;
-    bench.tool()->showPlugin();
-    QCOMPARE(bench.timerIntervals(), QList<int>{100});
-    bench.call("on_pbStart_clicked");
-    QCOMPARE(bench.timerIntervals(), QList<int>({0, 50}));
+    ReadyRig rig;
+    rig.tool()->showPlugin();
+    QCOMPARE(rig.timerIntervals(), QList<int>{100});
+    rig.call("on_pbStart_clicked");
+    QCOMPARE(rig.timerIntervals(), QList<int>({0, 50}));
 }
 
 void ToolMotionTest::startReadsTheTargetAfreshForEachWrite()
 {
-    ReadyBench bench;
-    bench.link.onRequest = [&] {
-        if (bench.link.calls.constLast().endsWith(QLatin1String(" m0 768")))
-            bench.setTarget(QPointF(31, 32));
+    ReadyRig rig;
+    rig.link.onRequest = [&] {
+        if (rig.link.calls.constLast().endsWith(QLatin1String(" m0 768")))
+            rig.setTarget(QPointF(31, 32));
     };
-    bench.call("on_pbStart_clicked");
+    rig.call("on_pbStart_clicked");
     QStringList wanted = startWrites(0, 31, 32);
     wanted[3] = write("M1_XTARGET", 0, inRegister(-200));
-    QCOMPARE(bench.takeWrites(), wanted);
+    QCOMPARE(rig.takeWrites(), wanted);
 }
 
 void ToolMotionTest::startDropsSamplesThatAreNotDrawn()
 {
-    ReadyBench bench;
-    bench.link.position0 = 50;
-    bench.tool()->showPlugin();
-    bench.call("on_pbStart_clicked");
-    bench.takeCalls();
-    bench.updateTick();
-    QCOMPARE(bench.actual()->at(0), QPointF(0, 0));
-    QVERIFY(bench.takeCalls().contains(QStringLiteral("read M0_VACTUAL m0")));
+    ReadyRig rig;
+    rig.link.position0 = 50;
+    rig.tool()->showPlugin();
+    rig.call("on_pbStart_clicked");
+    rig.takeCalls();
+    rig.updateTick();
+    QCOMPARE(rig.actual()->at(0), QPointF(0, 0));
+    QVERIFY(rig.takeCalls().contains(QStringLiteral("read M0_VACTUAL m0")));
 }
 
 void ToolMotionTest::startDisablesItsButton()
 {
-    ReadyBench bench;
-    bench.show();
-    bench.takeCalls();
-    QTest::mouseClick(bench.start(), Qt::LeftButton, Qt::NoModifier, QPoint(10, 10));
-    QCOMPARE(bench.takeWrites().size(), 9);
-    QVERIFY(!bench.start()->isEnabled());
-    QTest::mouseClick(bench.start(), Qt::LeftButton, Qt::NoModifier, QPoint(10, 10));
-    QCOMPARE(bench.takeWrites(), QStringList());
+    ReadyRig rig;
+    rig.show();
+    rig.takeCalls();
+    QTest::mouseClick(rig.start(), Qt::LeftButton, Qt::NoModifier, QPoint(10, 10));
+    QCOMPARE(rig.takeWrites().size(), 9);
+    QVERIFY(!rig.start()->isEnabled());
+    QTest::mouseClick(rig.start(), Qt::LeftButton, Qt::NoModifier, QPoint(10, 10));
+    QCOMPARE(rig.takeWrites(), QStringList());
 }
 
 void ToolMotionTest::aVelocityOfZeroIsWrittenBack()
 {
-    ReadyBench bench;
-    bench.setRegister(QStringLiteral("M0_VMAX"), 0);
-    bench.call("on_pbStart_clicked");
+    ReadyRig rig;
+    rig.setRegister(QStringLiteral("M0_VMAX"), 0);
+    rig.call("on_pbStart_clicked");
     QStringList wanted = startWrites(0, 100, -200);
     wanted[7] = write("M0_VMAX", 0, 0);
-    QCOMPARE(bench.takeWrites(), wanted);
-    QVERIFY(!bench.start()->isEnabled());
+    QCOMPARE(rig.takeWrites(), wanted);
+    QVERIFY(!rig.start()->isEnabled());
 }
 
 void ToolMotionTest::aFailedReadWritesZeroBack()
 {
-    ReadyBench bench;
-    bench.link.failReads = true;
-    bench.call("on_pbStart_clicked");
+    ReadyRig rig;
+    rig.link.failReads = true;
+    rig.call("on_pbStart_clicked");
     QStringList wanted = startWrites(0, 100, -200);
     wanted[7] = write("M0_VMAX", 0, 0);
     wanted[8] = write("M1_VMAX", 0, 0);
-    QCOMPARE(bench.takeWrites(), wanted);
-    QCOMPARE(bench.timerIntervals(), QList<int>({0, 50}));
+    QCOMPARE(rig.takeWrites(), wanted);
+    QCOMPARE(rig.timerIntervals(), QList<int>({0, 50}));
 }
 
 void ToolMotionTest::failedWritesDoNotStopTheStart()
 {
-    ReadyBench bench;
-    bench.link.failWrites = true;
-    bench.call("on_pbStart_clicked");
-    QCOMPARE(bench.takeWrites(), startWrites(0, 100, -200));
-    QVERIFY(!bench.start()->isEnabled());
-    QCOMPARE(bench.timerIntervals(), QList<int>({0, 50}));
+    ReadyRig rig;
+    rig.link.failWrites = true;
+    rig.call("on_pbStart_clicked");
+    QCOMPARE(rig.takeWrites(), startWrites(0, 100, -200));
+    QVERIFY(!rig.start()->isEnabled());
+    QCOMPARE(rig.timerIntervals(), QList<int>({0, 50}));
 }
 
 void ToolMotionTest::startWithoutABindingDoesTheRest_data()
@@ -267,89 +266,89 @@ void ToolMotionTest::startWithoutABindingDoesTheRest()
 {
     QFETCH(QString, name);
     QFETCH(bool, isField);
-    BenchGaps gaps;
+    RigGaps gaps;
     gaps.registers.insert(name);
-    ReadyBench never(0, gaps);
-    ReadyBench noMore(0);
+    ReadyRig never(0, gaps);
+    ReadyRig noMore(0);
     takeAway(noMore, name, isField);
-    ReadyBench noRegister(0);
+    ReadyRig noRegister(0);
     takeAway(noRegister, name, false);
     const QStringList wanted = without(startWrites(0, 100, -200), name);
-    for (ReadyBench *bench : {&never, &noMore, &noRegister}) {
-        bench->call("on_pbStart_clicked");
-        QCOMPARE(bench->takeWrites(), wanted);
-        QVERIFY(!bench->start()->isEnabled());
-        QCOMPARE(bench->timerIntervals(), QList<int>({0, 50}));
+    for (ReadyRig *rig : {&never, &noMore, &noRegister}) {
+        rig->call("on_pbStart_clicked");
+        QCOMPARE(rig->takeWrites(), wanted);
+        QVERIFY(!rig->start()->isEnabled());
+        QCOMPARE(rig->timerIntervals(), QList<int>({0, 50}));
     }
 }
 
 void ToolMotionTest::startWithoutAModuleOnlyRunsTheTimers()
 {
-    BenchGaps gaps;
+    RigGaps gaps;
     gaps.hasModule = false;
-    ReadyBench bench(0, gaps);
-    bench.call("on_pbStart_clicked");
-    QCOMPARE(bench.takeCalls(), QStringList());
-    QVERIFY(!bench.start()->isEnabled());
-    QCOMPARE(bench.timerIntervals(), QList<int>({0, 50}));
-    bench.call("on_pbStop_clicked");
-    bench.sampleTick();
-    bench.updateTick();
+    ReadyRig rig(0, gaps);
+    rig.call("on_pbStart_clicked");
+    QCOMPARE(rig.takeCalls(), QStringList());
+    QVERIFY(!rig.start()->isEnabled());
+    QCOMPARE(rig.timerIntervals(), QList<int>({0, 50}));
+    rig.call("on_pbStop_clicked");
+    rig.sampleTick();
+    rig.updateTick();
 }
 
 void ToolMotionTest::farTargetsAreSaturated()
 {
-    ReadyBench bench;
-    bench.setTarget(QPointF(1e300, -1e300));
-    bench.call("on_pbStart_clicked");
+    ReadyRig rig;
+    rig.setTarget(QPointF(1e300, -1e300));
+    rig.call("on_pbStart_clicked");
     QStringList wanted = startWrites(0, highest, lowest);
-    const QStringList written = bench.takeWrites();
+    const QStringList written = rig.takeWrites();
     QCOMPARE(written.mid(0, 4), wanted.mid(0, 4));
     QCOMPARE(written.at(5), wanted.at(5));
 }
 
 void ToolMotionTest::stopDrivesToTheActualPosition()
 {
-    ReadyBench bench(1);
-    bench.standAt(131, -77);
-    bench.call("on_pbStop_clicked");
-    QCOMPARE(bench.takeCalls(),
+    ReadyRig rig(1);
+    rig.standAt(131, -77);
+    rig.call("on_pbStop_clicked");
+    QCOMPARE(rig.takeCalls(),
              QStringList({write("M0_XTARGET", 1, 131), write("M1_XTARGET", 1, inRegister(-77)),
                           write("RAMPMODE", 1, 0)}));
-    QCOMPARE(bench.target()->pointsVector(), QVector<QPointF>{QPointF(131, -77)});
-    QVERIFY(bench.isTargetNew());
-    QCOMPARE(bench.limits(), QStringLiteral("-256 256 -256 256"));
+    QCOMPARE(rig.target()->pointsVector(), QVector<QPointF>{QPointF(131, -77)});
+    QVERIFY(rig.isTargetNew());
+    QCOMPARE(rig.limits(), QStringLiteral("-256 256 -256 256"));
 }
 
 void ToolMotionTest::stopWhereTheTargetIsRaisesNoFlag()
 {
-    ReadyBench bench;
-    bench.setTarget(QPointF(131, -77));
-    bench.standAt(131, -77);
-    QVERIFY(!bench.isTargetNew());
-    bench.call("on_pbStop_clicked");
-    QVERIFY(!bench.isTargetNew());
-    QCOMPARE(bench.takeWrites().size(), 3);
+    ReadyRig rig;
+    rig.setTarget(QPointF(131, -77));
+    rig.standAt(131, -77);
+    QVERIFY(!rig.isTargetNew());
+    rig.call("on_pbStop_clicked");
+    QVERIFY(!rig.isTargetNew());
+    QCOMPARE(rig.takeWrites().size(), 3);
 }
 
 void ToolMotionTest::stopLeavesTimersAndButtonAlone()
 {
-    ReadyBench bench;
-    bench.show();
-    bench.call("on_pbStart_clicked");
-    bench.takeCalls();
-    QTest::mouseClick(bench.widget<QToolButton>("pbStop"), Qt::LeftButton);
-    QCOMPARE(bench.takeWrites().size(), 3);
-    QCOMPARE(bench.timerIntervals(), QList<int>({0, 50}));
-    QVERIFY(!bench.start()->isEnabled());
+    ReadyRig rig;
+    rig.show();
+    rig.call("on_pbStart_clicked");
+    rig.takeCalls();
+    QTest::mouseClick(rig.widget<QToolButton>("pbStop"), Qt::LeftButton);
+    QCOMPARE(rig.takeWrites().size(), 3);
+    QCOMPARE(rig.timerIntervals(), QList<int>({0, 50}));
+    QVERIFY(!rig.start()->isEnabled());
 }
 
 void ToolMotionTest::stopEndsAFlightPath()
 {
-    ReadyBench bench;
-    bench.start()->setProperty("RunFp", 3);
-    bench.call("on_pbStop_clicked");
-    QCOMPARE(bench.start()->property("RunFp"), QVariant(12));
+    ReadyRig rig;
+    rig.start()->setProperty("RunFp", 3);
+    rig.call("on_pbStop_clicked");
+    QCOMPARE(rig.start()->property("RunFp"), QVariant(12));
 }
 
 void ToolMotionTest::stopWithoutABindingDoesTheRest_data()
@@ -362,17 +361,17 @@ void ToolMotionTest::stopWithoutABindingDoesTheRest_data()
 void ToolMotionTest::stopWithoutABindingDoesTheRest()
 {
     QFETCH(QString, name);
-    BenchGaps gaps;
+    RigGaps gaps;
     gaps.registers.insert(name);
-    ReadyBench never(0, gaps);
-    ReadyBench noMore;
+    ReadyRig never(0, gaps);
+    ReadyRig noMore;
     takeAway(noMore, name, name.contains(QLatin1String("TARGET")));
     const QStringList wanted = without(
         {write("M0_XTARGET", 0, 0), write("M1_XTARGET", 0, 0), write("RAMPMODE", 0, 0)}, name);
-    for (ReadyBench *bench : {&never, &noMore}) {
-        bench->call("on_pbStop_clicked");
-        QCOMPARE(bench->takeWrites(), wanted);
-        QCOMPARE(bench->start()->property("RunFp"), QVariant(12));
+    for (ReadyRig *rig : {&never, &noMore}) {
+        rig->call("on_pbStop_clicked");
+        QCOMPARE(rig->takeWrites(), wanted);
+        QCOMPARE(rig->start()->property("RunFp"), QVariant(12));
     }
 }
 
@@ -380,16 +379,16 @@ void ToolMotionTest::theToolMayGoInAnyRequestOfAStart()
 {
     int requests = 0;
     for (int last = 1; last <= requests + 1; ++last) {
-        ReadyBench bench;
+        ReadyRig rig;
         int count = 0;
-        bench.link.onRequest = [&] {
+        rig.link.onRequest = [&] {
             if (++count == last)
-                bench.deleteTool();
+                rig.deleteTool();
         };
-        bench.start()->click();
+        rig.start()->click();
         if (last == 1)
             QCOMPARE(count, 1);
-        if (bench.tool())
+        if (rig.tool())
             break;
         requests = qMax(requests, last);
         QCOMPARE(count, last);
@@ -400,14 +399,14 @@ void ToolMotionTest::theToolMayGoInAnyRequestOfAStart()
 void ToolMotionTest::theToolMayGoInAnyRequestOfAStop()
 {
     for (int last = 1; last <= 3; ++last) {
-        ReadyBench bench;
+        ReadyRig rig;
         int count = 0;
-        bench.link.onRequest = [&] {
+        rig.link.onRequest = [&] {
             if (++count == last)
-                bench.deleteTool();
+                rig.deleteTool();
         };
-        bench.widget<QToolButton>("pbStop")->click();
-        QVERIFY(!bench.tool());
+        rig.widget<QToolButton>("pbStop")->click();
+        QVERIFY(!rig.tool());
         QCOMPARE(count, last);
     }
 }

@@ -1,5 +1,5 @@
 #include "HeadlessPlatform.h"
-#include "PollBench.h"
+#include "PollRig.h"
 
 #include "XmlProductIC.h"
 #include "XmlValueRegister.h"
@@ -45,16 +45,16 @@ private slots:
 
 void ToolMoveEndTest::drawingPutsOffTheEndOfTheMove()
 {
-    PollBench bench;
-    bench.start();
-    bench.sample(100, 100);
-    bench.takeCalls();
-    bench.updateTick();
-    QCOMPARE(bench.takeCalls(), QStringList());
-    QVERIFY(!bench.startButton()->isEnabled());
-    bench.updateTick();
-    QCOMPARE(bench.takeCalls(), velocityReads);
-    QVERIFY(bench.startButton()->isEnabled());
+    PollRig rig;
+    rig.start();
+    rig.sample(100, 100);
+    rig.takeCalls();
+    rig.updateTick();
+    QCOMPARE(rig.takeCalls(), QStringList());
+    QVERIFY(!rig.startButton()->isEnabled());
+    rig.updateTick();
+    QCOMPARE(rig.takeCalls(), velocityReads);
+    QVERIFY(rig.startButton()->isEnabled());
 }
 
 void ToolMoveEndTest::aMoveEndsWhenBothAxesStand_data()
@@ -74,68 +74,68 @@ void ToolMoveEndTest::aMoveEndsWhenBothAxesStand()
     QFETCH(int, axis0);
     QFETCH(int, axis1);
     QFETCH(bool, hasEnded);
-    PollBench bench;
-    bench.start();
-    bench.setVelocities(axis0, axis1);
+    PollRig rig;
+    rig.start();
+    rig.setVelocities(axis0, axis1);
     for (int i = 0; i < 2; ++i) {
-        bench.updateTick();
-        QCOMPARE(bench.startButton()->isEnabled(), hasEnded);
-        QCOMPARE(bench.timerIntervals(), hasEnded ? QList<int>{100} : QList<int>({0, 50}));
+        rig.updateTick();
+        QCOMPARE(rig.startButton()->isEnabled(), hasEnded);
+        QCOMPARE(rig.timerIntervals(), hasEnded ? QList<int>{100} : QList<int>({0, 50}));
     }
-    bench.setVelocities(0, 0);
-    bench.updateTick();
-    QVERIFY(bench.startButton()->isEnabled());
+    rig.setVelocities(0, 0);
+    rig.updateTick();
+    QVERIFY(rig.startButton()->isEnabled());
 }
 
 void ToolMoveEndTest::velocitiesAreReadForMotorZero()
 {
     for (int motor : {0, 1, 200}) {
-        PollBench bench(static_cast<unsigned char>(motor));
-        bench.start();
-        bench.updateTick();
-        QCOMPARE(bench.takeCalls(), velocityReads);
+        PollRig rig(static_cast<unsigned char>(motor));
+        rig.start();
+        rig.updateTick();
+        QCOMPARE(rig.takeCalls(), velocityReads);
     }
 }
 
 void ToolMoveEndTest::theEndOfAMoveGoesBackToSlowPolling()
 {
-    PollBench bench;
-    bench.start();
-    bench.updateTick();
-    QCOMPARE(bench.timerIntervals(), QList<int>{100});
-    QCOMPARE(QAbstractEventDispatcher::instance()->registeredTimers(bench.tool()).at(0).timerType,
+    PollRig rig;
+    rig.start();
+    rig.updateTick();
+    QCOMPARE(rig.timerIntervals(), QList<int>{100});
+    QCOMPARE(QAbstractEventDispatcher::instance()->registeredTimers(rig.tool()).at(0).timerType,
              Qt::PreciseTimer);
-    bench.takeCalls();
-    bench.updateTick();
-    QCOMPARE(bench.takeCalls(), QStringList());
+    rig.takeCalls();
+    rig.updateTick();
+    QCOMPARE(rig.takeCalls(), QStringList());
 }
 
 void ToolMoveEndTest::aMoveToWhereTheAxesStandEndsAtOnce()
 {
-    PollBench bench;
-    bench.tool()->showPlugin();
-    bench.updateTick();
-    bench.start();
-    bench.sample(0, 0);
-    bench.sample(0, 0);
-    bench.takeCalls();
-    QVERIFY(bench.deliverTimer(50));
-    QCOMPARE(bench.takeCalls(), velocityReads);
-    QVERIFY(bench.startButton()->isEnabled());
+    PollRig rig;
+    rig.tool()->showPlugin();
+    rig.updateTick();
+    rig.start();
+    rig.sample(0, 0);
+    rig.sample(0, 0);
+    rig.takeCalls();
+    QVERIFY(rig.deliverTimer(50));
+    QCOMPARE(rig.takeCalls(), velocityReads);
+    QVERIFY(rig.startButton()->isEnabled());
 }
 
 void ToolMoveEndTest::aFailedReadNeverEndsAMove()
 {
-    PollBench bench;
-    bench.start();
-    bench.link.failReads = true;
+    PollRig rig;
+    rig.start();
+    rig.link.failReads = true;
     for (int i = 0; i < 3; ++i)
-        bench.updateTick();
-    QVERIFY(!bench.startButton()->isEnabled());
-    QCOMPARE(bench.timerIntervals(), QList<int>({0, 50}));
-    bench.link.failReads = false;
-    bench.updateTick();
-    QVERIFY(bench.startButton()->isEnabled());
+        rig.updateTick();
+    QVERIFY(!rig.startButton()->isEnabled());
+    QCOMPARE(rig.timerIntervals(), QList<int>({0, 50}));
+    rig.link.failReads = false;
+    rig.updateTick();
+    QVERIFY(rig.startButton()->isEnabled());
 }
 
 void ToolMoveEndTest::aMissingVelocityNeverEndsAMove_data()
@@ -148,16 +148,16 @@ void ToolMoveEndTest::aMissingVelocityNeverEndsAMove_data()
 void ToolMoveEndTest::aMissingVelocityNeverEndsAMove()
 {
     QFETCH(QString, name);
-    BenchGaps gaps;
+    RigGaps gaps;
     gaps.registers.insert(name);
-    PollBench never(0, gaps);
-    PollBench noMore;
+    PollRig never(0, gaps);
+    PollRig noMore;
     delete noMore.module()->getIcProduct(0)->getRegisterByName(name, true);
-    for (PollBench *bench : {&never, &noMore}) {
-        bench->start();
-        bench->updateTick();
-        QCOMPARE(bench->takeCalls().size(), 1);
-        QVERIFY(!bench->startButton()->isEnabled());
+    for (PollRig *rig : {&never, &noMore}) {
+        rig->start();
+        rig->updateTick();
+        QCOMPARE(rig->takeCalls().size(), 1);
+        QVERIFY(!rig->startButton()->isEnabled());
     }
 }
 
@@ -172,37 +172,37 @@ void ToolMoveEndTest::aMoveWithoutAChipEndsAtTheNextTick_data()
 void ToolMoveEndTest::aMoveWithoutAChipEndsAtTheNextTick()
 {
     QFETCH(bool, hasModule);
-    BenchGaps gaps;
+    RigGaps gaps;
     gaps.hasChip = false;
     gaps.hasModule = hasModule;
-    PollBench bench(0, gaps);
-    bench.setTarget({30, 40});
-    bench.start();
+    PollRig rig(0, gaps);
+    rig.setTarget({30, 40});
+    rig.start();
     if (hasModule) {
         // A module without a chip answers all the same, and what it answers is drawn first.
-        bench.sample(5, 6);
-        bench.updateTick();
-        QVERIFY(!bench.startButton()->isEnabled());
+        rig.sample(5, 6);
+        rig.updateTick();
+        QVERIFY(!rig.startButton()->isEnabled());
     }
-    bench.takeCalls();
-    bench.updateTick();
-    QCOMPARE(bench.takeCalls(), QStringList());
-    QVERIFY(bench.startButton()->isEnabled());
-    QCOMPARE(bench.timerIntervals(), QList<int>{100});
+    rig.takeCalls();
+    rig.updateTick();
+    QCOMPARE(rig.takeCalls(), QStringList());
+    QVERIFY(rig.startButton()->isEnabled());
+    QCOMPARE(rig.timerIntervals(), QList<int>{100});
 }
 
 void ToolMoveEndTest::aPathWithoutAChipRunsThrough()
 {
-    BenchGaps gaps;
+    RigGaps gaps;
     gaps.hasModule = false;
-    PollBench bench(0, gaps);
-    bench.runAction()->trigger();
+    PollRig rig(0, gaps);
+    rig.runAction()->trigger();
     for (int i = 0; i < 12; ++i) {
-        QCOMPARE(bench.flightIndex(), i);
-        bench.updateTick();
+        QCOMPARE(rig.flightIndex(), i);
+        rig.updateTick();
     }
-    QVERIFY(bench.startButton()->isEnabled());
-    QCOMPARE(bench.flightIndex(), 11);
+    QVERIFY(rig.startButton()->isEnabled());
+    QCOMPARE(rig.flightIndex(), 11);
 }
 
 void ToolMoveEndTest::anOddPointOfAPathIsNotDrivenTo_data()
@@ -216,111 +216,111 @@ void ToolMoveEndTest::anOddPointOfAPathIsNotDrivenTo_data()
 void ToolMoveEndTest::anOddPointOfAPathIsNotDrivenTo()
 {
     QFETCH(int, index);
-    PollBench bench;
-    bench.setTarget({30, 40});
-    bench.start();
-    bench.startButton()->setProperty("RunFp", index);
-    bench.updateTick();
-    bench.updateTick();
-    QVERIFY(bench.startButton()->isEnabled());
-    QCOMPARE(bench.flightIndex(), index);
-    QCOMPARE(bench.target()->at(0), QPointF(30, 40));
+    PollRig rig;
+    rig.setTarget({30, 40});
+    rig.start();
+    rig.startButton()->setProperty("RunFp", index);
+    rig.updateTick();
+    rig.updateTick();
+    QVERIFY(rig.startButton()->isEnabled());
+    QCOMPARE(rig.flightIndex(), index);
+    QCOMPARE(rig.target()->at(0), QPointF(30, 40));
 }
 
 void ToolMoveEndTest::anIdleToolReadsNoVelocities()
 {
-    PollBench bench;
-    bench.tool()->showPlugin();
-    bench.updateTick();
-    bench.takeCalls();
-    bench.updateTick();
-    QCOMPARE(bench.takeCalls(), QStringList());
+    PollRig rig;
+    rig.tool()->showPlugin();
+    rig.updateTick();
+    rig.takeCalls();
+    rig.updateTick();
+    QCOMPARE(rig.takeCalls(), QStringList());
     // A panel that the host disables as a whole is no move either.
-    bench.tool()->setEnabled(false);
-    bench.updateTick();
-    QCOMPARE(bench.takeCalls(), QStringList());
+    rig.tool()->setEnabled(false);
+    rig.updateTick();
+    QCOMPARE(rig.takeCalls(), QStringList());
 }
 
 void ToolMoveEndTest::aFlightPathRunsToItsEnd()
 {
-    PollBench bench;
-    bench.tool()->showPlugin();
-    QVERIFY(bench.runAction());
-    bench.runAction()->trigger();
+    PollRig rig;
+    rig.tool()->showPlugin();
+    QVERIFY(rig.runAction());
+    rig.runAction()->trigger();
     const QVector<QPointF> path{{0, 0},    {0, 1025},    {1025, 1025}, {0, 0},
                                 {1025, 0}, {1025, 1025}, {512, 1800},  {0, 1025},
                                 {1025, 0}, {1125, -200}, {-100, -200}, {0, 0}};
     for (int i = 0; i < path.size(); ++i) {
-        QCOMPARE(bench.flightIndex(), i);
-        QCOMPARE(bench.target()->at(0), path.at(i));
-        QVERIFY(!bench.startButton()->isEnabled());
-        QCOMPARE(bench.timerIntervals(), QList<int>({0, 50}));
-        QCOMPARE(bench.registerValue(QStringLiteral("M0_XTARGET")), int(path.at(i).x()) & 0xFFFFFF);
-        QCOMPARE(bench.registerValue(QStringLiteral("M1_XTARGET")), int(path.at(i).y()) & 0xFFFFFF);
-        bench.arrive();
+        QCOMPARE(rig.flightIndex(), i);
+        QCOMPARE(rig.target()->at(0), path.at(i));
+        QVERIFY(!rig.startButton()->isEnabled());
+        QCOMPARE(rig.timerIntervals(), QList<int>({0, 50}));
+        QCOMPARE(rig.registerValue(QStringLiteral("M0_XTARGET")), int(path.at(i).x()) & 0xFFFFFF);
+        QCOMPARE(rig.registerValue(QStringLiteral("M1_XTARGET")), int(path.at(i).y()) & 0xFFFFFF);
+        rig.arrive();
     }
-    QCOMPARE(bench.flightIndex(), path.size() - 1);
-    QVERIFY(bench.startButton()->isEnabled());
-    QCOMPARE(bench.timerIntervals(), QList<int>{100});
-    bench.takeCalls();
-    bench.updateTick();
-    bench.updateTick();
-    QCOMPARE(bench.takeWrites().filter(QStringLiteral("RAMPMODE")), QStringList());
+    QCOMPARE(rig.flightIndex(), path.size() - 1);
+    QVERIFY(rig.startButton()->isEnabled());
+    QCOMPARE(rig.timerIntervals(), QList<int>{100});
+    rig.takeCalls();
+    rig.updateTick();
+    rig.updateTick();
+    QCOMPARE(rig.takeWrites().filter(QStringLiteral("RAMPMODE")), QStringList());
 }
 
 void ToolMoveEndTest::stopEndsARun()
 {
-    PollBench bench;
-    bench.tool()->showPlugin();
-    bench.runAction()->trigger();
-    bench.arrive();
-    QCOMPARE(bench.flightIndex(), 1);
-    bench.sample(0, 300);
-    bench.updateTick();
-    bench.call("on_pbStop_clicked");
-    QCOMPARE(bench.flightIndex(), 12);
-    bench.takeCalls();
-    bench.updateTick();
-    bench.updateTick();
-    QVERIFY(bench.startButton()->isEnabled());
-    QCOMPARE(bench.target()->at(0), QPointF(0, 300));
-    QCOMPARE(bench.flightIndex(), 12);
-    QCOMPARE(bench.takeWrites().filter(QStringLiteral("RAMPMODE")), QStringList());
+    PollRig rig;
+    rig.tool()->showPlugin();
+    rig.runAction()->trigger();
+    rig.arrive();
+    QCOMPARE(rig.flightIndex(), 1);
+    rig.sample(0, 300);
+    rig.updateTick();
+    rig.call("on_pbStop_clicked");
+    QCOMPARE(rig.flightIndex(), 12);
+    rig.takeCalls();
+    rig.updateTick();
+    rig.updateTick();
+    QVERIFY(rig.startButton()->isEnabled());
+    QCOMPARE(rig.target()->at(0), QPointF(0, 300));
+    QCOMPARE(rig.flightIndex(), 12);
+    QCOMPARE(rig.takeWrites().filter(QStringLiteral("RAMPMODE")), QStringList());
 }
 
 void ToolMoveEndTest::aDisabledToolGoesOnWithItsRunWhenEnabled()
 {
-    PollBench bench;
-    bench.show();
-    bench.startButton()->menu()->actions().constFirst()->trigger();
-    bench.updateTick();
-    QCOMPARE(bench.flightIndex(), 1);
-    auto *panel = static_cast<QWidget *>(bench.tool());
+    PollRig rig;
+    rig.show();
+    rig.startButton()->menu()->actions().constFirst()->trigger();
+    rig.updateTick();
+    QCOMPARE(rig.flightIndex(), 1);
+    auto *panel = static_cast<QWidget *>(rig.tool());
     panel->QWidget::setEnabled(false);
     for (int i = 0; i < 3; ++i) {
-        bench.updateTick();
-        QCOMPARE(bench.flightIndex(), 1);
-        QCOMPARE(bench.timerIntervals(), (QList<int>{0, 50}));
+        rig.updateTick();
+        QCOMPARE(rig.flightIndex(), 1);
+        QCOMPARE(rig.timerIntervals(), (QList<int>{0, 50}));
     }
     panel->QWidget::setEnabled(true);
-    bench.updateTick();
-    QCOMPARE(bench.flightIndex(), 2);
-    QCOMPARE(bench.timerIntervals(), (QList<int>{0, 50}));
+    rig.updateTick();
+    QCOMPARE(rig.flightIndex(), 2);
+    QCOMPARE(rig.timerIntervals(), (QList<int>{0, 50}));
 }
 
 void ToolMoveEndTest::aLaterStartDoesNotResumeARun()
 {
-    PollBench bench;
-    bench.tool()->showPlugin();
-    bench.runAction()->trigger();
+    PollRig rig;
+    rig.tool()->showPlugin();
+    rig.runAction()->trigger();
     for (int i = 0; i < 12; ++i)
-        bench.arrive();
-    bench.setTarget(QPointF(40, 40));
-    bench.startButton()->click();
-    bench.arrive();
-    QVERIFY(bench.startButton()->isEnabled());
-    QCOMPARE(bench.target()->at(0), QPointF(40, 40));
-    QCOMPARE(bench.flightIndex(), 11);
+        rig.arrive();
+    rig.setTarget(QPointF(40, 40));
+    rig.startButton()->click();
+    rig.arrive();
+    QVERIFY(rig.startButton()->isEnabled());
+    QCOMPARE(rig.target()->at(0), QPointF(40, 40));
+    QCOMPARE(rig.flightIndex(), 11);
 }
 
 void ToolMoveEndTest::theToolMayGoInAnyRequestThatEndsAMove()
@@ -328,19 +328,19 @@ void ToolMoveEndTest::theToolMayGoInAnyRequestThatEndsAMove()
     // The end of one move is the start of the next of a flight path.
     int survivedAfter = 0;
     for (int last = 1; survivedAfter == 0; ++last) {
-        PollBench bench;
-        bench.tool()->showPlugin();
-        bench.updateTick();
-        bench.runAction()->trigger();
+        PollRig rig;
+        rig.tool()->showPlugin();
+        rig.updateTick();
+        rig.runAction()->trigger();
         int count = 0;
-        bench.link.onRequest = [&] {
+        rig.link.onRequest = [&] {
             if (++count == last)
-                bench.deleteTool();
+                rig.deleteTool();
         };
-        bench.updateTick();
-        if (bench.tool()) {
+        rig.updateTick();
+        if (rig.tool()) {
             survivedAfter = last - 1;
-            QCOMPARE(bench.flightIndex(), 1);
+            QCOMPARE(rig.flightIndex(), 1);
         } else {
             QCOMPARE(count, last);
         }

@@ -1,5 +1,5 @@
 #include "HeadlessPlatform.h"
-#include "PollBench.h"
+#include "PollRig.h"
 
 #include "XmlRegisterWidget.h"
 
@@ -52,104 +52,103 @@ private slots:
 
 void ToolPollingTest::aToolIsIdleUntilShown()
 {
-    PollBench bench;
-    QCOMPARE(bench.timerIntervals(), QList<int>());
-    QVERIFY(!bench.takeCalls().contains(positionRequest.at(0)));
+    PollRig rig;
+    QCOMPARE(rig.timerIntervals(), QList<int>());
+    QVERIFY(!rig.takeCalls().contains(positionRequest.at(0)));
 }
 
 void ToolPollingTest::showPollsEveryHundredMilliseconds()
 {
-    PollBench bench;
-    bench.takeCalls();
-    bench.tool()->showPlugin();
-    QCOMPARE(bench.timerIntervals(), QList<int>{100});
-    QCOMPARE(QAbstractEventDispatcher::instance()->registeredTimers(bench.tool()).at(0).timerType,
+    PollRig rig;
+    rig.takeCalls();
+    rig.tool()->showPlugin();
+    QCOMPARE(rig.timerIntervals(), QList<int>{100});
+    QCOMPARE(QAbstractEventDispatcher::instance()->registeredTimers(rig.tool()).at(0).timerType,
              Qt::PreciseTimer);
-    QCOMPARE(bench.takeCalls().filter(positionRequest.at(0)).size(), 1);
+    QCOMPARE(rig.takeCalls().filter(positionRequest.at(0)).size(), 1);
 }
 
 void ToolPollingTest::showDrawsWhereTheAxesAre()
 {
-    PollBench bench;
-    bench.link.position0 = 120;
-    bench.link.position1 = -45;
-    bench.tool()->showPlugin();
-    QCOMPARE(bench.actual()->at(0), QPointF(0, 0));
-    bench.updateTick();
-    QCOMPARE(bench.actual()->pointsVector(), QVector<QPointF>{QPointF(120, -45)});
+    PollRig rig;
+    rig.link.position0 = 120;
+    rig.link.position1 = -45;
+    rig.tool()->showPlugin();
+    QCOMPARE(rig.actual()->at(0), QPointF(0, 0));
+    rig.updateTick();
+    QCOMPARE(rig.actual()->pointsVector(), QVector<QPointF>{QPointF(120, -45)});
 }
 
 void ToolPollingTest::aSampleWithoutAnEventIsNeitherComparedNorKept()
 {
-    PollBench bench;
-    bench.makeWide();
+    PollRig rig;
+    rig.makeWide();
     for (int i = 0; i < 2; ++i) {
-        bench.link.position0 = 2000;
-        QVERIFY(
-            QMetaObject::invokeMethod(bench.tool(), "timerEvent", Q_ARG(QTimerEvent *, nullptr)));
-        QSignalSpy drawn(bench.actual(), &QXYSeries::pointReplaced);
-        bench.updateTick();
+        rig.link.position0 = 2000;
+        QVERIFY(QMetaObject::invokeMethod(rig.tool(), "timerEvent", Q_ARG(QTimerEvent *, nullptr)));
+        QSignalSpy drawn(rig.actual(), &QXYSeries::pointReplaced);
+        rig.updateTick();
         QCOMPARE(drawn.count(), 1);
-        bench.updateTick();
+        rig.updateTick();
         QCOMPARE(drawn.count(), 1);
     }
-    QCOMPARE(bench.trace()->pointsVector(), QVector<QPointF>({{0, 0}, {2000, 0}}));
+    QCOMPARE(rig.trace()->pointsVector(), QVector<QPointF>({{0, 0}, {2000, 0}}));
     // A redraw shows that the history is empty: no more than the last drawn point is left.
-    bench.axisX()->setRange(-4096, 4096);
-    QCOMPARE(bench.trace()->pointsVector(), QVector<QPointF>{QPointF(2000, 0)});
-    bench.start();
-    bench.sample(100, 0);
-    bench.updateTick();
-    bench.axisX()->setRange(-8192, 8192);
-    QCOMPARE(bench.trace()->count(), 1);
+    rig.axisX()->setRange(-4096, 4096);
+    QCOMPARE(rig.trace()->pointsVector(), QVector<QPointF>{QPointF(2000, 0)});
+    rig.start();
+    rig.sample(100, 0);
+    rig.updateTick();
+    rig.axisX()->setRange(-8192, 8192);
+    QCOMPARE(rig.trace()->count(), 1);
 }
 
 void ToolPollingTest::hideStopsTheUpdateTimerOnly()
 {
-    PollBench bench;
-    bench.tool()->showPlugin();
-    bench.tool()->hidePlugin();
-    QCOMPARE(bench.timerIntervals(), QList<int>());
-    bench.tool()->showPlugin();
-    bench.start();
-    bench.tool()->hidePlugin();
-    QCOMPARE(bench.timerIntervals(), QList<int>{0});
-    QVERIFY(!bench.startButton()->isEnabled());
-    QCOMPARE(bench.takeCalls(), QStringList());
+    PollRig rig;
+    rig.tool()->showPlugin();
+    rig.tool()->hidePlugin();
+    QCOMPARE(rig.timerIntervals(), QList<int>());
+    rig.tool()->showPlugin();
+    rig.start();
+    rig.tool()->hidePlugin();
+    QCOMPARE(rig.timerIntervals(), QList<int>{0});
+    QVERIFY(!rig.startButton()->isEnabled());
+    QCOMPARE(rig.takeCalls(), QStringList());
 }
 
 void ToolPollingTest::aHiddenMoveIsDrawnAndEndedAfterTheNextShow()
 {
-    PollBench bench;
-    bench.makeWide();
-    bench.start();
-    bench.tool()->hidePlugin();
-    bench.sample(1000, 0);
-    bench.sample(2000, 500);
-    QCOMPARE(bench.trace()->count(), 1);
-    bench.tool()->showPlugin();
-    QCOMPARE(bench.timerIntervals(), QList<int>({0, 100}));
-    bench.updateTick();
-    QCOMPARE(bench.trace()->pointsVector(), QVector<QPointF>({{0, 0}, {1000, 0}, {2000, 500}}));
-    QVERIFY(!bench.startButton()->isEnabled());
-    bench.updateTick();
-    QVERIFY(bench.startButton()->isEnabled());
-    QCOMPARE(bench.timerIntervals(), QList<int>{100});
+    PollRig rig;
+    rig.makeWide();
+    rig.start();
+    rig.tool()->hidePlugin();
+    rig.sample(1000, 0);
+    rig.sample(2000, 500);
+    QCOMPARE(rig.trace()->count(), 1);
+    rig.tool()->showPlugin();
+    QCOMPARE(rig.timerIntervals(), QList<int>({0, 100}));
+    rig.updateTick();
+    QCOMPARE(rig.trace()->pointsVector(), QVector<QPointF>({{0, 0}, {1000, 0}, {2000, 500}}));
+    QVERIFY(!rig.startButton()->isEnabled());
+    rig.updateTick();
+    QVERIFY(rig.startButton()->isEnabled());
+    QCOMPARE(rig.timerIntervals(), QList<int>{100});
 }
 
 void ToolPollingTest::showDuringAMovePollsSlowlyUntilItsEnd()
 {
-    PollBench bench;
-    bench.start();
-    QCOMPARE(bench.timerIntervals(), QList<int>({0, 50}));
-    bench.tool()->showPlugin();
-    QCOMPARE(bench.timerIntervals(), QList<int>({0, 100}));
-    QSignalSpy drawn(bench.actual(), &QXYSeries::pointReplaced);
-    bench.updateTick();
+    PollRig rig;
+    rig.start();
+    QCOMPARE(rig.timerIntervals(), QList<int>({0, 50}));
+    rig.tool()->showPlugin();
+    QCOMPARE(rig.timerIntervals(), QList<int>({0, 100}));
+    QSignalSpy drawn(rig.actual(), &QXYSeries::pointReplaced);
+    rig.updateTick();
     QCOMPARE(drawn.count(), 1);
-    bench.updateTick();
-    QVERIFY(bench.startButton()->isEnabled());
-    QCOMPARE(bench.timerIntervals(), QList<int>{100});
+    rig.updateTick();
+    QVERIFY(rig.startButton()->isEnabled());
+    QCOMPARE(rig.timerIntervals(), QList<int>{100});
 }
 
 void ToolPollingTest::positionsAreDecoded_data()
@@ -172,203 +171,203 @@ void ToolPollingTest::positionsAreDecoded()
 {
     QFETCH(int, x);
     QFETCH(int, y);
-    PollBench bench;
-    bench.link.position0 = x;
-    bench.link.position1 = y;
-    bench.tool()->showPlugin();
-    bench.updateTick();
-    QCOMPARE(bench.actual()->at(0), QPointF(x, y));
-    bench.call("on_pbStart_clicked");
-    bench.sample(5, 6);
-    bench.sample(x, y);
-    bench.updateTick();
-    QCOMPARE(bench.actual()->at(0), QPointF(x, y));
+    PollRig rig;
+    rig.link.position0 = x;
+    rig.link.position1 = y;
+    rig.tool()->showPlugin();
+    rig.updateTick();
+    QCOMPARE(rig.actual()->at(0), QPointF(x, y));
+    rig.call("on_pbStart_clicked");
+    rig.sample(5, 6);
+    rig.sample(x, y);
+    rig.updateTick();
+    QCOMPARE(rig.actual()->at(0), QPointF(x, y));
 }
 
 void ToolPollingTest::theRequestIsExact()
 {
     for (int motor : {0, 1, 200}) {
-        PollBench bench(static_cast<unsigned char>(motor));
-        bench.start();
-        bench.sampleTick();
-        QCOMPARE(bench.takeCalls(), positionRequest);
-        QCOMPARE(bench.link.userRequest.left(4).toHex(), QByteArray("0048fd00"));
+        PollRig rig(static_cast<unsigned char>(motor));
+        rig.start();
+        rig.sampleTick();
+        QCOMPARE(rig.takeCalls(), positionRequest);
+        QCOMPARE(rig.link.userRequest.left(4).toHex(), QByteArray("0048fd00"));
     }
 }
 
 void ToolPollingTest::circularModeIsOnDuringTheRequestOnly()
 {
-    PollBench bench;
+    PollRig rig;
     QList<bool> during;
-    bench.link.onRequest = [&] {
-        if (bench.link.calls.constLast() == positionRequest.at(0))
-            during << bench.module()->isCircularMode();
+    rig.link.onRequest = [&] {
+        if (rig.link.calls.constLast() == positionRequest.at(0))
+            during << rig.module()->isCircularMode();
         else
-            QVERIFY(!bench.module()->isCircularMode());
+            QVERIFY(!rig.module()->isCircularMode());
     };
-    bench.tool()->showPlugin();
+    rig.tool()->showPlugin();
     QCOMPARE(during, QList<bool>{true});
-    QVERIFY(!bench.module()->isCircularMode());
-    bench.call("on_pbStart_clicked");
-    bench.sampleTick();
-    bench.link.failUserFunctions = true;
-    bench.sampleTick();
+    QVERIFY(!rig.module()->isCircularMode());
+    rig.call("on_pbStart_clicked");
+    rig.sampleTick();
+    rig.link.failUserFunctions = true;
+    rig.sampleTick();
     QCOMPARE(during, QList<bool>({true, true, true}));
-    QVERIFY(!bench.module()->isCircularMode());
+    QVERIFY(!rig.module()->isCircularMode());
 }
 
 void ToolPollingTest::aFailedRequestIsDecodedAllTheSame()
 {
-    PollBench bench;
-    bench.makeWide();
-    bench.start();
-    bench.link.failUserFunctions = true;
-    bench.sampleTick();
-    bench.updateTick();
+    PollRig rig;
+    rig.makeWide();
+    rig.start();
+    rig.link.failUserFunctions = true;
+    rig.sampleTick();
+    rig.updateTick();
     // The request's own bytes, 00 48 and a reply of 0.
-    QCOMPARE(bench.actual()->at(0), QPointF(0x4800, 0));
+    QCOMPARE(rig.actual()->at(0), QPointF(0x4800, 0));
 }
 
 void ToolPollingTest::aSampleTickDoesNothingElse()
 {
-    PollBench bench;
-    bench.makeWide();
-    bench.setTarget(QPointF(50, 50));
-    bench.start();
-    bench.setTarget(QPointF(60, 60));
-    ChangeCount trace(bench.trace());
-    ChangeCount actual(bench.actual());
-    bench.sample(1000, 1000);
-    bench.sample(3000, 1000);
-    QCOMPARE(bench.takeCalls(), positionRequest + positionRequest);
+    PollRig rig;
+    rig.makeWide();
+    rig.setTarget(QPointF(50, 50));
+    rig.start();
+    rig.setTarget(QPointF(60, 60));
+    ChangeCount trace(rig.trace());
+    ChangeCount actual(rig.actual());
+    rig.sample(1000, 1000);
+    rig.sample(3000, 1000);
+    QCOMPARE(rig.takeCalls(), positionRequest + positionRequest);
     QCOMPARE(trace.take() + actual.take(), 0);
-    QVERIFY(bench.isTargetNew());
+    QVERIFY(rig.isTargetNew());
 }
 
 void ToolPollingTest::repeatedPositionsAddNothing()
 {
-    PollBench bench;
-    bench.makeWide();
-    bench.start();
-    bench.sample(0, 0);
-    bench.sample(0, 0);
-    ChangeCount trace(bench.trace());
-    ChangeCount actual(bench.actual());
-    bench.setVelocities(1, 1);
-    bench.updateTick();
+    PollRig rig;
+    rig.makeWide();
+    rig.start();
+    rig.sample(0, 0);
+    rig.sample(0, 0);
+    ChangeCount trace(rig.trace());
+    ChangeCount actual(rig.actual());
+    rig.setVelocities(1, 1);
+    rig.updateTick();
     QCOMPARE(trace.take() + actual.take(), 0);
-    bench.sample(2000, 0);
-    bench.sample(2000, 0);
-    bench.updateTick();
-    QCOMPARE(bench.trace()->pointsVector(), QVector<QPointF>({{0, 0}, {2000, 0}}));
-    bench.sample(2000, 0);
+    rig.sample(2000, 0);
+    rig.sample(2000, 0);
+    rig.updateTick();
+    QCOMPARE(rig.trace()->pointsVector(), QVector<QPointF>({{0, 0}, {2000, 0}}));
+    rig.sample(2000, 0);
     actual.take();
-    bench.updateTick();
+    rig.updateTick();
     QCOMPARE(actual.take(), 0);
     // Only the one new position is in the history, and that is where the axes are.
-    bench.axisX()->setRange(-4096, 4096);
-    QCOMPARE(bench.trace()->pointsVector(), QVector<QPointF>{QPointF(2000, 0)});
+    rig.axisX()->setRange(-4096, 4096);
+    QCOMPARE(rig.trace()->pointsVector(), QVector<QPointF>{QPointF(2000, 0)});
 }
 
 void ToolPollingTest::returningPositionsAreKept()
 {
-    PollBench bench;
-    bench.makeWide();
-    bench.start();
+    PollRig rig;
+    rig.makeWide();
+    rig.start();
     for (int x : {2000, 0, 2000, -2000})
-        bench.sample(x, 0);
-    bench.updateTick();
-    QCOMPARE(bench.trace()->pointsVector(),
+        rig.sample(x, 0);
+    rig.updateTick();
+    QCOMPARE(rig.trace()->pointsVector(),
              QVector<QPointF>({{0, 0}, {2000, 0}, {0, 0}, {2000, 0}, {-2000, 0}}));
     // The history begins with the first sampled position; the origin was there before.
-    bench.axisX()->setRange(-4096, 4096);
-    QCOMPARE(bench.trace()->pointsVector(),
+    rig.axisX()->setRange(-4096, 4096);
+    QCOMPARE(rig.trace()->pointsVector(),
              QVector<QPointF>({{2000, 0}, {0, 0}, {2000, 0}, {-2000, 0}}));
 }
 
 void ToolPollingTest::eventsOfOtherTimersAreIgnored()
 {
-    PollBench bench;
-    bench.tool()->showPlugin();
-    bench.start();
-    bench.setTarget(QPointF(9, 9));
-    const int other = bench.tool()->startTimer(100000);
+    PollRig rig;
+    rig.tool()->showPlugin();
+    rig.start();
+    rig.setTarget(QPointF(9, 9));
+    const int other = rig.tool()->startTimer(100000);
     for (int id : {other, 0, -1, 424242})
-        bench.deliver(id);
-    QCOMPARE(bench.takeCalls(), QStringList());
-    QVERIFY(bench.isTargetNew());
-    QVERIFY(bench.timerId(100000) == other);
+        rig.deliver(id);
+    QCOMPARE(rig.takeCalls(), QStringList());
+    QVERIFY(rig.isTargetNew());
+    QVERIFY(rig.timerId(100000) == other);
 }
 
 void ToolPollingTest::aStoppedTimersEventIsIgnored()
 {
-    PollBench bench;
-    bench.tool()->showPlugin();
-    const int updateId = bench.timerId(100);
-    bench.setTarget(QPointF(9, 9));
-    bench.tool()->hidePlugin();
-    bench.takeCalls();
-    bench.deliver(updateId);
-    bench.deliver(0);
-    QCOMPARE(bench.takeCalls(), QStringList());
-    QVERIFY(bench.isTargetNew());
+    PollRig rig;
+    rig.tool()->showPlugin();
+    const int updateId = rig.timerId(100);
+    rig.setTarget(QPointF(9, 9));
+    rig.tool()->hidePlugin();
+    rig.takeCalls();
+    rig.deliver(updateId);
+    rig.deliver(0);
+    QCOMPARE(rig.takeCalls(), QStringList());
+    QVERIFY(rig.isTargetNew());
 }
 
 void ToolPollingTest::aNewTargetIsWrittenOnce()
 {
-    PollBench bench(1);
-    bench.tool()->showPlugin();
-    bench.updateTick();
-    bench.takeCalls();
-    bench.updateTick();
-    QCOMPARE(bench.takeCalls(), QStringList());
-    bench.setTarget(QPointF(100.9, -1.9));
-    bench.updateTick();
-    QCOMPARE(bench.takeCalls(), QStringList({QStringLiteral("write M0_XTARGET m1 100"),
-                                             QStringLiteral("write M1_XTARGET m1 16777215")}));
-    QCOMPARE(bench.target()->property("NewPt"), QVariant(false));
-    bench.updateTick();
-    QCOMPARE(bench.takeCalls(), QStringList());
+    PollRig rig(1);
+    rig.tool()->showPlugin();
+    rig.updateTick();
+    rig.takeCalls();
+    rig.updateTick();
+    QCOMPARE(rig.takeCalls(), QStringList());
+    rig.setTarget(QPointF(100.9, -1.9));
+    rig.updateTick();
+    QCOMPARE(rig.takeCalls(), QStringList({QStringLiteral("write M0_XTARGET m1 100"),
+                                           QStringLiteral("write M1_XTARGET m1 16777215")}));
+    QCOMPARE(rig.target()->property("NewPt"), QVariant(false));
+    rig.updateTick();
+    QCOMPARE(rig.takeCalls(), QStringList());
 }
 
 void ToolPollingTest::aTargetPickedDuringAMoveIsWritten()
 {
-    PollBench bench;
-    bench.tool()->showPlugin();
-    bench.start();
-    bench.sample(10, 10);
-    bench.setTarget(QPointF(70, 80));
-    bench.takeCalls();
-    bench.updateTick();
-    QCOMPARE(bench.takeWrites(), QStringList({QStringLiteral("write M0_XTARGET m0 70"),
-                                              QStringLiteral("write M1_XTARGET m0 80")}));
-    QCOMPARE(bench.timerIntervals(), QList<int>({0, 50}));
-    QVERIFY(!bench.startButton()->isEnabled());
+    PollRig rig;
+    rig.tool()->showPlugin();
+    rig.start();
+    rig.sample(10, 10);
+    rig.setTarget(QPointF(70, 80));
+    rig.takeCalls();
+    rig.updateTick();
+    QCOMPARE(rig.takeWrites(), QStringList({QStringLiteral("write M0_XTARGET m0 70"),
+                                            QStringLiteral("write M1_XTARGET m0 80")}));
+    QCOMPARE(rig.timerIntervals(), QList<int>({0, 50}));
+    QVERIFY(!rig.startButton()->isEnabled());
 }
 
 void ToolPollingTest::theTargetWidgetsStayQuietWhileItIsWritten()
 {
-    PollBench bench;
-    bench.tool()->showPlugin();
-    bench.setTarget(QPointF(70.5, -80.5));
-    ChangeCount target(bench.target());
-    QSignalSpy m0(bench.registerWidget("M0_XTARGET"), &XmlRegisterWidget::valueChanged);
-    QSignalSpy m1(bench.registerWidget("M1_XTARGET"), &XmlRegisterWidget::valueChanged);
+    PollRig rig;
+    rig.tool()->showPlugin();
+    rig.setTarget(QPointF(70.5, -80.5));
+    ChangeCount target(rig.target());
+    QSignalSpy m0(rig.registerWidget("M0_XTARGET"), &XmlRegisterWidget::valueChanged);
+    QSignalSpy m1(rig.registerWidget("M1_XTARGET"), &XmlRegisterWidget::valueChanged);
     bool areBoth = true;
-    bench.link.onRequest = [&] {
-        areBoth = areBoth && bench.registerWidget("M0_XTARGET")->signalsBlocked() &&
-                  bench.registerWidget("M1_XTARGET")->signalsBlocked();
+    rig.link.onRequest = [&] {
+        areBoth = areBoth && rig.registerWidget("M0_XTARGET")->signalsBlocked() &&
+                  rig.registerWidget("M1_XTARGET")->signalsBlocked();
     };
-    bench.updateTick();
-    bench.link.onRequest = nullptr;
+    rig.updateTick();
+    rig.link.onRequest = nullptr;
     QVERIFY(areBoth);
     QCOMPARE(m0.count() + m1.count(), 0);
     QCOMPARE(target.take(), 0);
-    QCOMPARE(bench.target()->at(0), QPointF(70.5, -80.5));
-    QVERIFY(!bench.registerWidget("M0_XTARGET")->signalsBlocked());
-    QVERIFY(!bench.registerWidget("M1_XTARGET")->signalsBlocked());
-    bench.registerWidget("M0_XTARGET")->setAndUpdateValue(55);
-    QCOMPARE(bench.target()->at(0), QPointF(55, -80.5));
+    QCOMPARE(rig.target()->at(0), QPointF(70.5, -80.5));
+    QVERIFY(!rig.registerWidget("M0_XTARGET")->signalsBlocked());
+    QVERIFY(!rig.registerWidget("M1_XTARGET")->signalsBlocked());
+    rig.registerWidget("M0_XTARGET")->setAndUpdateValue(55);
+    QCOMPARE(rig.target()->at(0), QPointF(55, -80.5));
 }
 
 void ToolPollingTest::aTargetIsWrittenAsFarAsThereAreWidgets_data()
@@ -385,99 +384,99 @@ void ToolPollingTest::aTargetIsWrittenAsFarAsThereAreWidgets()
 {
     QFETCH(QString, missing);
     QFETCH(QStringList, writes);
-    BenchGaps gaps;
+    RigGaps gaps;
     gaps.fields.insert(missing);
-    PollBench never(0, gaps);
-    PollBench noMore;
+    PollRig never(0, gaps);
+    PollRig noMore;
     delete noMore.registerWidget(qPrintable(missing));
-    for (PollBench *bench : {&never, &noMore}) {
-        bench->tool()->showPlugin();
-        bench->setTarget(QPointF(70, 80));
-        bench->takeCalls();
-        bench->updateTick();
-        QCOMPARE(bench->takeWrites(), writes);
-        QVERIFY(!bench->isTargetNew());
+    for (PollRig *rig : {&never, &noMore}) {
+        rig->tool()->showPlugin();
+        rig->setTarget(QPointF(70, 80));
+        rig->takeCalls();
+        rig->updateTick();
+        QCOMPARE(rig->takeWrites(), writes);
+        QVERIFY(!rig->isTargetNew());
     }
 }
 
 void ToolPollingTest::farTargetsEndAtTheFieldsRange()
 {
-    PollBench bench;
-    bench.tool()->showPlugin();
-    bench.setTarget(QPointF(1e300, -1e300));
-    bench.takeCalls();
-    bench.updateTick();
-    QCOMPARE(bench.takeWrites(), QStringList({QStringLiteral("write M0_XTARGET m0 8388607"),
-                                              QStringLiteral("write M1_XTARGET m0 8388608")}));
+    PollRig rig;
+    rig.tool()->showPlugin();
+    rig.setTarget(QPointF(1e300, -1e300));
+    rig.takeCalls();
+    rig.updateTick();
+    QCOMPARE(rig.takeWrites(), QStringList({QStringLiteral("write M0_XTARGET m0 8388607"),
+                                            QStringLiteral("write M1_XTARGET m0 8388608")}));
 }
 
 void ToolPollingTest::theToolMayGoInASampleRequest()
 {
     for (bool isShow : {true, false}) {
-        PollBench bench;
+        PollRig rig;
         if (!isShow)
-            bench.start();
-        bench.link.onRequest = [&] { bench.deleteTool(); };
+            rig.start();
+        rig.link.onRequest = [&] { rig.deleteTool(); };
         if (isShow)
-            bench.tool()->showPlugin();
+            rig.tool()->showPlugin();
         else
-            bench.sampleTick();
-        QVERIFY(!bench.tool());
+            rig.sampleTick();
+        QVERIFY(!rig.tool());
     }
 }
 
 void ToolPollingTest::theToolMayGoInAnyRequestOfAnUpdateTick()
 {
     for (int last = 1; last <= 2; ++last) {
-        PollBench bench;
-        bench.start();
-        bench.sample(5000, 5000);
-        bench.setTarget(QPointF(77, 78));
+        PollRig rig;
+        rig.start();
+        rig.sample(5000, 5000);
+        rig.setTarget(QPointF(77, 78));
         int count = 0;
-        bench.link.onRequest = [&] {
+        rig.link.onRequest = [&] {
             if (++count == last)
-                bench.deleteTool();
+                rig.deleteTool();
         };
-        bench.updateTick();
-        QVERIFY(!bench.tool());
+        rig.updateTick();
+        QVERIFY(!rig.tool());
         QCOMPARE(count, last);
     }
 }
 
 void ToolPollingTest::garbageFromTheLinkIsSurvived()
 {
-    PollBench bench;
-    bench.makeWide();
-    bench.start();
+    PollRig rig;
+    rig.makeWide();
+    rig.start();
     QRandomGenerator random(20201);
     for (int i = 0; i < 200; ++i) {
-        bench.link.failUserFunctions = random.bounded(4) == 0;
-        bench.link.failReads = random.bounded(4) == 0;
-        bench.link.failWrites = random.bounded(4) == 0;
-        bench.setVelocities(random.bounded(3), static_cast<int>(random.generate()));
-        bench.sample(static_cast<int>(random.generate()), static_cast<int>(random.generate()));
+        rig.link.failUserFunctions = random.bounded(4) == 0;
+        rig.link.failReads = random.bounded(4) == 0;
+        rig.link.failWrites = random.bounded(4) == 0;
+        rig.setVelocities(random.bounded(3), static_cast<int>(random.generate()));
+        rig.sample(static_cast<int>(random.generate()), static_cast<int>(random.generate()));
         if (i % 5 == 0) {
-            bench.updateTick();
-            bench.call("on_pbStart_clicked");
+            rig.updateTick();
+            rig.call("on_pbStart_clicked");
         }
         if (i % 17 == 0)
-            bench.call("on_pbStop_clicked");
+            rig.call("on_pbStop_clicked");
     }
-    const QPointF actual = bench.actual()->at(0);
+    const QPointF actual = rig.actual()->at(0);
     QVERIFY(qAbs(actual.x()) <= 8388608 && qAbs(actual.y()) <= 8388608);
-    QCOMPARE(bench.axisX()->max(), double(bench.widget<QSpinBox>("spM0max")->value()));
+    QCOMPARE(rig.axisX()->max(), double(rig.widget<QSpinBox>("spM0max")->value()));
 }
 
 void ToolPollingTest::deletingAMovingToolWritesNothing()
 {
-    PollBench bench;
-    bench.tool()->showPlugin();
-    bench.setTarget(QPointF(4, 4));
-    bench.start();
-    bench.sample(10, 20);
-    bench.takeCalls();
-    bench.deleteTool();
-    QCOMPARE(bench.takeCalls(), QStringList());
+    PollRig rig;
+    rig.tool()->showPlugin();
+    rig.setTarget(QPointF(4, 4));
+    rig.start();
+    rig.sample(10, 20);
+    rig.takeCalls();
+    rig.deleteTool();
+    QCOMPARE(rig.takeCalls(), QStringList());
 }
 
 QTEST_MAIN(ToolPollingTest)

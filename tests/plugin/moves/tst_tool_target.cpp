@@ -1,5 +1,5 @@
 #include "HeadlessPlatform.h"
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -30,30 +30,30 @@ private slots:
 
 void ToolTargetTest::aPickMovesTheMarkerAndWritesNothing()
 {
-    ToolBench bench;
-    bench.takeCalls();
-    QVERIFY(bench.setTarget(QPointF(12, -34)));
-    QCOMPARE(bench.target()->pointsVector(), QVector<QPointF>{QPointF(12, -34)});
-    QCOMPARE(bench.target()->property("NewPt"), QVariant(true));
-    QCOMPARE(bench.takeCalls(), QStringList());
-    QCOMPARE(bench.limits(), QStringLiteral("-256 256 -256 256"));
-    QVERIFY(QMetaObject::invokeMethod(bench.tool(), "setTargetPosition",
-                                      Q_ARG(QPointF, QPointF(5, 6))));
-    QCOMPARE(bench.target()->at(0), QPointF(5, 6));
-    QCOMPARE(bench.limits(), QStringLiteral("-256 256 -256 256"));
+    ToolRig rig;
+    rig.takeCalls();
+    QVERIFY(rig.setTarget(QPointF(12, -34)));
+    QCOMPARE(rig.target()->pointsVector(), QVector<QPointF>{QPointF(12, -34)});
+    QCOMPARE(rig.target()->property("NewPt"), QVariant(true));
+    QCOMPARE(rig.takeCalls(), QStringList());
+    QCOMPARE(rig.limits(), QStringLiteral("-256 256 -256 256"));
+    QVERIFY(
+        QMetaObject::invokeMethod(rig.tool(), "setTargetPosition", Q_ARG(QPointF, QPointF(5, 6))));
+    QCOMPARE(rig.target()->at(0), QPointF(5, 6));
+    QCOMPARE(rig.limits(), QStringLiteral("-256 256 -256 256"));
 }
 
 void ToolTargetTest::theSamePickAgainChangesNothing()
 {
-    ToolBench bench;
-    bench.tool()->showPlugin();
-    bench.setTarget(QPointF(12, -34));
-    bench.updateTick();
-    QCOMPARE(bench.target()->property("NewPt"), QVariant(false));
-    QSignalSpy replaced(bench.target(), &QtCharts::QXYSeries::pointReplaced);
-    bench.setTarget(QPointF(12, -34));
+    ToolRig rig;
+    rig.tool()->showPlugin();
+    rig.setTarget(QPointF(12, -34));
+    rig.updateTick();
+    QCOMPARE(rig.target()->property("NewPt"), QVariant(false));
+    QSignalSpy replaced(rig.target(), &QtCharts::QXYSeries::pointReplaced);
+    rig.setTarget(QPointF(12, -34));
     QVERIFY(replaced.isEmpty());
-    QCOMPARE(bench.target()->property("NewPt"), QVariant(false));
+    QCOMPARE(rig.target()->property("NewPt"), QVariant(false));
 }
 
 void ToolTargetTest::picksAreComparedWithTolerance_data()
@@ -78,27 +78,27 @@ void ToolTargetTest::picksAreComparedWithTolerance()
     QFETCH(QPointF, before);
     QFETCH(QPointF, picked);
     QFETCH(bool, isNew);
-    ToolBench bench;
-    bench.target()->replace(0, before);
-    bench.setTarget(picked);
-    QCOMPARE(bench.target()->property("NewPt").toBool(), isNew);
-    const QPointF now = bench.target()->at(0);
+    ToolRig rig;
+    rig.target()->replace(0, before);
+    rig.setTarget(picked);
+    QCOMPARE(rig.target()->property("NewPt").toBool(), isNew);
+    const QPointF now = rig.target()->at(0);
     const QPointF expected = isNew ? picked : before;
     QVERIFY(now.x() == expected.x() && now.y() == expected.y());
 }
 
 void ToolTargetTest::aClickInTheChartIsAPick()
 {
-    ToolBench bench;
-    bench.setLimits(-4096, 4096, -8192, 8192);
-    bench.show();
-    bench.takeCalls();
-    const QPoint at = bench.chart()->plotArea().center().toPoint() + QPoint(61, -47);
-    const QPointF value = bench.chart()->mapToValue(at);
-    QTest::mouseClick(bench.view()->viewport(), Qt::LeftButton, Qt::NoModifier, at);
-    QCOMPARE(bench.target()->at(0), QPointF(value.toPoint()));
-    QVERIFY(bench.target()->property("NewPt").toBool());
-    QCOMPARE(bench.takeCalls(), QStringList());
+    ToolRig rig;
+    rig.setLimits(-4096, 4096, -8192, 8192);
+    rig.show();
+    rig.takeCalls();
+    const QPoint at = rig.chart()->plotArea().center().toPoint() + QPoint(61, -47);
+    const QPointF value = rig.chart()->mapToValue(at);
+    QTest::mouseClick(rig.view()->viewport(), Qt::LeftButton, Qt::NoModifier, at);
+    QCOMPARE(rig.target()->at(0), QPointF(value.toPoint()));
+    QVERIFY(rig.target()->property("NewPt").toBool());
+    QCOMPARE(rig.takeCalls(), QStringList());
 }
 
 void ToolTargetTest::aTargetThatIsNoPointIsLeftOut_data()
@@ -113,18 +113,18 @@ void ToolTargetTest::aTargetThatIsNoPointIsLeftOut_data()
 void ToolTargetTest::aTargetThatIsNoPointIsLeftOut()
 {
     QFETCH(QPointF, point);
-    ToolBench bench;
-    bench.tool()->showPlugin();
-    bench.setTarget(QPointF(7, 8));
-    bench.updateTick();
-    bench.takeCalls();
-    bench.setTarget(point, QPoint(1, 0));
-    QCOMPARE(bench.target()->pointsVector(), QVector<QPointF>{QPointF(7, 8)});
-    bench.updateTick();
-    QCOMPARE(bench.takeWrites(), QStringList());
-    bench.call("on_pbStart_clicked");
-    QCOMPARE(bench.registerValue(QStringLiteral("M0_XTARGET")), 7);
-    QCOMPARE(bench.registerValue(QStringLiteral("M1_XTARGET")), 8);
+    ToolRig rig;
+    rig.tool()->showPlugin();
+    rig.setTarget(QPointF(7, 8));
+    rig.updateTick();
+    rig.takeCalls();
+    rig.setTarget(point, QPoint(1, 0));
+    QCOMPARE(rig.target()->pointsVector(), QVector<QPointF>{QPointF(7, 8)});
+    rig.updateTick();
+    QCOMPARE(rig.takeWrites(), QStringList());
+    rig.call("on_pbStart_clicked");
+    QCOMPARE(rig.registerValue(QStringLiteral("M0_XTARGET")), 7);
+    QCOMPARE(rig.registerValue(QStringLiteral("M1_XTARGET")), 8);
 }
 
 QTEST_MAIN(ToolTargetTest)

@@ -1,7 +1,7 @@
 #include "EventWatch.h"
 #include "HeadlessPlatform.h"
-#include "RampBench.h"
-#include "RegisterBench.h"
+#include "RampRig.h"
+#include "RegisterRig.h"
 
 #include "XmlProductIC.h"
 #include "XmlValueRegister.h"
@@ -47,8 +47,8 @@ void ToolRampLinkTest::settingsAreReadInOrder_data()
 void ToolRampLinkTest::settingsAreReadInOrder()
 {
     QFETCH(int, motor);
-    RampBench bench(static_cast<unsigned char>(motor));
-    QCOMPARE(bench.check(), readsOfAll(motor));
+    RampRig rig(static_cast<unsigned char>(motor));
+    QCOMPARE(rig.check(), readsOfAll(motor));
 }
 
 void ToolRampLinkTest::unusedStagesAreNotLookedAt_data()
@@ -69,21 +69,21 @@ void ToolRampLinkTest::unusedStagesAreNotLookedAt()
     const QStringList prefixes{QStringLiteral("M0_"), QStringLiteral("M1_")};
     for (int axis = 0; axis < 2; ++axis) {
         for (const QString &stage : {QStringLiteral("1"), QStringLiteral("2")}) {
-            RampBench bench;
+            RampRig rig;
             const QString &prefix = prefixes.at(axis);
-            bench.setRegister(prefix + QLatin1Char('V') + stage, velocity);
+            rig.setRegister(prefix + QLatin1Char('V') + stage, velocity);
             const QString acceleration = prefix + QLatin1Char('A') + stage;
-            bench.setRegister(acceleration, 0);
+            rig.setRegister(acceleration, 0);
             QStringList reads = readsOfAll();
             if (!isUsed)
                 reads.removeAll(QStringLiteral("read %1 m0").arg(acceleration));
-            QCOMPARE(bench.check(), reads);
+            QCOMPARE(rig.check(), reads);
             if (!isUsed) {
-                QVERIFY(bench.isUnmarked());
+                QVERIFY(rig.isUnmarked());
                 continue;
             }
-            QVERIFY(axis == 0 ? bench.isMarked({acceleration}, {})
-                              : bench.isMarked({}, {acceleration}));
+            QVERIFY(axis == 0 ? rig.isMarked({acceleration}, {})
+                              : rig.isMarked({}, {acceleration}));
         }
     }
 }
@@ -121,72 +121,72 @@ void ToolRampLinkTest::zeroSettingsAreListed()
     QFETCH(QString, zeros);
     QFETCH(QString, m0);
     QFETCH(QString, m1);
-    RampBench bench;
+    RampRig rig;
     for (const QString &name : words(zeros))
-        bench.setRegister(name, 0);
-    bench.check();
+        rig.setRegister(name, 0);
+    rig.check();
     if (m0.isEmpty() && m1.isEmpty())
-        QVERIFY(bench.isUnmarked());
+        QVERIFY(rig.isUnmarked());
     else
-        QVERIFY2(bench.isMarked(words(m0), words(m1)), qPrintable(bench.button->toolTip()));
+        QVERIFY2(rig.isMarked(words(m0), words(m1)), qPrintable(rig.button->toolTip()));
 }
 
 void ToolRampLinkTest::exampleToolTipReadsAsItShould()
 {
-    RampBench bench;
-    bench.setRegister(QStringLiteral("M0_VMAX"), 0);
-    bench.setRegister(QStringLiteral("M1_A1"), 0);
-    bench.check();
-    QCOMPARE(bench.button->toolTip(), QStringLiteral("Zero settings:\n\nM0_VMAX\n\nM1_A1"));
-    QCOMPARE(bench.button->description(), descriptionText);
-    QCOMPARE(bench.button->styleSheet(), redBorder);
+    RampRig rig;
+    rig.setRegister(QStringLiteral("M0_VMAX"), 0);
+    rig.setRegister(QStringLiteral("M1_A1"), 0);
+    rig.check();
+    QCOMPARE(rig.button->toolTip(), QStringLiteral("Zero settings:\n\nM0_VMAX\n\nM1_A1"));
+    QCOMPARE(rig.button->description(), descriptionText);
+    QCOMPARE(rig.button->styleSheet(), redBorder);
 }
 
 void ToolRampLinkTest::negativeSettingsAreNotZero()
 {
-    RampBench bench;
+    RampRig rig;
     for (const char *name : {"M0_VMAX", "M1_VMAX", "M0_AMAX", "M1_DMAX", "M0_A1", "M1_A2"})
-        bench.setRegister(QLatin1String(name), -5);
-    bench.check();
-    QVERIFY(bench.isUnmarked());
+        rig.setRegister(QLatin1String(name), -5);
+    rig.check();
+    QVERIFY(rig.isUnmarked());
 }
 
 void ToolRampLinkTest::marksAreClearedWhenNothingIsZero()
 {
-    RampBench bench;
-    bench.button->setToolTip(QStringLiteral("left over"));
-    bench.button->setDescription(QStringLiteral("left over"));
-    bench.button->setStyleSheet(QStringLiteral("QCommandLinkButton{border: 1px solid blue}"));
-    bench.check();
-    QVERIFY(bench.isUnmarked());
-    bench.setRegister(QStringLiteral("M1_AMAX"), 0);
-    bench.check();
-    QVERIFY(bench.isMarked({}, {QStringLiteral("M1_AMAX")}));
-    bench.setRegister(QStringLiteral("M1_AMAX"), 7);
-    bench.check();
-    QVERIFY(bench.isUnmarked());
+    RampRig rig;
+    rig.button->setToolTip(QStringLiteral("left over"));
+    rig.button->setDescription(QStringLiteral("left over"));
+    rig.button->setStyleSheet(QStringLiteral("QCommandLinkButton{border: 1px solid blue}"));
+    rig.check();
+    QVERIFY(rig.isUnmarked());
+    rig.setRegister(QStringLiteral("M1_AMAX"), 0);
+    rig.check();
+    QVERIFY(rig.isMarked({}, {QStringLiteral("M1_AMAX")}));
+    rig.setRegister(QStringLiteral("M1_AMAX"), 7);
+    rig.check();
+    QVERIFY(rig.isUnmarked());
 }
 
 void ToolRampLinkTest::marksAreClearedBeforeTheyAreSet()
 {
-    RampBench bench;
-    bench.setRegister(QStringLiteral("M0_AMAX"), 0);
-    bench.show();
+    RampRig rig;
+    rig.setRegister(QStringLiteral("M0_AMAX"), 0);
+    rig.show();
     QStringList steps;
     EventWatch watch([&](QObject *receiver, QEvent *event) {
-        if (receiver != bench.button)
+        if (receiver != rig.button)
             return;
         const auto has = [](const QString &text) { return text.isEmpty() ? "-" : "x"; };
         const QString state =
-            QStringLiteral(" %1%2%3").arg(QLatin1String(has(bench.button->toolTip())),
-                                          QLatin1String(has(bench.button->description())),
-                                          QLatin1String(has(bench.button->styleSheet())));
+            QStringLiteral(" %1%2%3").arg(QLatin1String(has(rig.button->toolTip())),
+                                          QLatin1String(has(rig.button->description())),
+                                          QLatin1String(has(rig.button->styleSheet())));
         if (event->type() == QEvent::ToolTipChange)
             steps << QStringLiteral("tip") + state;
         else if (event->type() == QEvent::StyleChange)
             steps << QStringLiteral("style") + state;
     });
-    bench.check();
+    rig.check();
     // Each with what is set by then of tool tip, description and style sheet.
     QCOMPARE(steps, (QStringList{QStringLiteral("style xx-"), QStringLiteral("tip ---"),
                                  QStringLiteral("tip x--"), QStringLiteral("style xxx")}));
@@ -209,19 +209,19 @@ void ToolRampLinkTest::missingRegistersCountAsZero()
 {
     QFETCH(QString, name);
     QFETCH(QString, alsoUnread);
-    BenchGaps gaps;
+    RigGaps gaps;
     gaps.registers << name;
-    RampBench bench(0, gaps);
+    RampRig rig(0, gaps);
     QStringList reads = readsOfAll();
     reads.removeAll(QStringLiteral("read %1 m0").arg(name));
     reads.removeAll(QStringLiteral("read %1 m0").arg(alsoUnread));
-    QCOMPARE(bench.check(), reads);
+    QCOMPARE(rig.check(), reads);
     // A stage without a velocity is not in use.
     if (!alsoUnread.isEmpty())
-        QVERIFY(bench.isUnmarked());
+        QVERIFY(rig.isUnmarked());
     else
-        QVERIFY(name.startsWith(QLatin1String("M0")) ? bench.isMarked({name}, {})
-                                                     : bench.isMarked({}, {name}));
+        QVERIFY(name.startsWith(QLatin1String("M0")) ? rig.isMarked({name}, {})
+                                                     : rig.isMarked({}, {name}));
 }
 
 void ToolRampLinkTest::registersThatAreGoneCountAsZero_data()
@@ -233,13 +233,13 @@ void ToolRampLinkTest::registersThatAreGoneCountAsZero()
 {
     QFETCH(QString, name);
     QFETCH(QString, alsoUnread);
-    RampBench bench;
-    bench.check();
-    QVERIFY(bench.isUnmarked());
-    delete bench.module()->getIcProduct(0)->getRegisterByName(name, true);
-    QVERIFY(bench.check().filter(name).isEmpty());
-    QCOMPARE(bench.isUnmarked(), !alsoUnread.isEmpty());
-    QCOMPARE(bench.button->toolTip().endsWith(name), alsoUnread.isEmpty());
+    RampRig rig;
+    rig.check();
+    QVERIFY(rig.isUnmarked());
+    delete rig.module()->getIcProduct(0)->getRegisterByName(name, true);
+    QVERIFY(rig.check().filter(name).isEmpty());
+    QCOMPARE(rig.isUnmarked(), !alsoUnread.isEmpty());
+    QCOMPARE(rig.button->toolTip().endsWith(name), alsoUnread.isEmpty());
 }
 
 void ToolRampLinkTest::hiddenRegistersCountAsZero()
@@ -259,8 +259,8 @@ void ToolRampLinkTest::hiddenRegistersCountAsZero()
 
 void ToolRampLinkTest::failedReadsCountAsZero()
 {
-    RampBench bench;
-    bench.link.failReads = true;
+    RampRig rig;
+    rig.link.failReads = true;
     QStringList reads = readsOfAll();
     reads.erase(std::remove_if(reads.begin(), reads.end(),
                                [](const QString &read) {
@@ -268,9 +268,9 @@ void ToolRampLinkTest::failedReadsCountAsZero()
                                           read.contains(QLatin1String("_A2"));
                                }),
                 reads.end());
-    QCOMPARE(bench.check(), reads);
-    QVERIFY(bench.isMarked(words(QStringLiteral("M0_VMAX M0_AMAX M0_DMAX")),
-                           words(QStringLiteral("M1_VMAX M1_AMAX M1_DMAX"))));
+    QCOMPARE(rig.check(), reads);
+    QVERIFY(rig.isMarked(words(QStringLiteral("M0_VMAX M0_AMAX M0_DMAX")),
+                         words(QStringLiteral("M1_VMAX M1_AMAX M1_DMAX"))));
 }
 
 void ToolRampLinkTest::toolWithoutChipListsWhatAMoveNeeds_data()
@@ -284,28 +284,28 @@ void ToolRampLinkTest::toolWithoutChipListsWhatAMoveNeeds_data()
 void ToolRampLinkTest::toolWithoutChipListsWhatAMoveNeeds()
 {
     QFETCH(bool, hasModule);
-    BenchGaps gaps;
+    RigGaps gaps;
     gaps.hasChip = false;
     gaps.hasModule = hasModule;
-    RampBench bench(0, gaps);
+    RampRig rig(0, gaps);
     if (hasModule) {
-        bench.tellWritten(ToolBench::address(QStringLiteral("M0_VMAX")));
-        QVERIFY(bench.isUnmarked());
+        rig.tellWritten(ToolRig::address(QStringLiteral("M0_VMAX")));
+        QVERIFY(rig.isUnmarked());
     }
-    QVERIFY(bench.check().isEmpty());
-    QVERIFY(bench.isMarked(words(QStringLiteral("M0_VMAX M0_AMAX M0_DMAX")),
-                           words(QStringLiteral("M1_VMAX M1_AMAX M1_DMAX"))));
+    QVERIFY(rig.check().isEmpty());
+    QVERIFY(rig.isMarked(words(QStringLiteral("M0_VMAX M0_AMAX M0_DMAX")),
+                         words(QStringLiteral("M1_VMAX M1_AMAX M1_DMAX"))));
 }
 
 void ToolRampLinkTest::checkNeverWrites()
 {
-    RampBench bench;
-    bench.setRegister(QStringLiteral("M0_VMAX"), 0);
-    bench.takeCalls();
-    bench.tool()->showPlugin();
-    bench.tellWritten(ToolBench::address(QStringLiteral("M1_D2")));
-    QVERIFY(bench.takeWrites().isEmpty());
-    QVERIFY(bench.button->property("NewPt").isNull());
+    RampRig rig;
+    rig.setRegister(QStringLiteral("M0_VMAX"), 0);
+    rig.takeCalls();
+    rig.tool()->showPlugin();
+    rig.tellWritten(ToolRig::address(QStringLiteral("M1_D2")));
+    QVERIFY(rig.takeWrites().isEmpty());
+    QVERIFY(rig.button->property("NewPt").isNull());
 }
 
 QTEST_MAIN(ToolRampLinkTest)

@@ -1,6 +1,6 @@
 #include "EventWatch.h"
 #include "HeadlessPlatform.h"
-#include "RegisterBench.h"
+#include "RegisterRig.h"
 
 #include "XmlRegisterWidgetContainer.h"
 
@@ -13,14 +13,14 @@
 
 namespace {
 
-QString actualText(const ToolBench &bench, const QString &row)
+QString actualText(const ToolRig &rig, const QString &row)
 {
-    return bench.tool()->findChild<QLabel *>(row + QLatin1String("_actual"))->text();
+    return rig.tool()->findChild<QLabel *>(row + QLatin1String("_actual"))->text();
 }
 
-const QSpinBox *inputOf(const ToolBench &bench, const QString &row)
+const QSpinBox *inputOf(const ToolRig &rig, const QString &row)
 {
-    return bench.tool()->findChild<QSpinBox *>(row + QLatin1String("_input"));
+    return rig.tool()->findChild<QSpinBox *>(row + QLatin1String("_input"));
 }
 
 QString frenchText(int value)
@@ -59,32 +59,32 @@ void ToolRegisterRowsTest::missingFieldsHaveNoRow_data()
 void ToolRegisterRowsTest::missingFieldsHaveNoRow()
 {
     QFETCH(QString, name);
-    BenchGaps gaps;
+    RigGaps gaps;
     gaps.fields << name;
-    ToolBench bench(0, gaps);
-    QCOMPARE(rowsOf(bench), without(rowNames, name));
-    QCOMPARE(registerListOf(bench).size(), 8);
-    QVERIFY(!registerListOf(bench).contains(ToolBench::address(name)));
+    ToolRig rig(0, gaps);
+    QCOMPARE(rowsOf(rig), without(rowNames, name));
+    QCOMPARE(registerListOf(rig).size(), 8);
+    QVERIFY(!registerListOf(rig).contains(ToolRig::address(name)));
     const auto title = [&name](const char *field) {
         return name == QLatin1String(field) ? QString()
                                             : QLatin1String(field) + QLatin1String(" field");
     };
-    QCOMPARE(bench.axisX()->titleText(), title("M0_XACTUAL"));
-    QCOMPARE(bench.axisY()->titleText(), title("M1_XACTUAL"));
+    QCOMPARE(rig.axisX()->titleText(), title("M0_XACTUAL"));
+    QCOMPARE(rig.axisY()->titleText(), title("M1_XACTUAL"));
 }
 
 void ToolRegisterRowsTest::rowsStandAtTheTopOfTheSettings()
 {
-    ToolBench bench;
-    QCOMPARE(rowsOf(bench), rowNames);
-    for (const XmlRegisterWidget *row : bench.tool()->findChildren<XmlRegisterWidget *>())
-        QCOMPARE(row->parent(), static_cast<QObject *>(bench.tool()));
-    const auto containers = bench.tool()->findChildren<XmlRegisterWidgetContainer *>(
+    ToolRig rig;
+    QCOMPARE(rowsOf(rig), rowNames);
+    for (const XmlRegisterWidget *row : rig.tool()->findChildren<XmlRegisterWidget *>())
+        QCOMPARE(row->parent(), static_cast<QObject *>(rig.tool()));
+    const auto containers = rig.tool()->findChildren<XmlRegisterWidgetContainer *>(
         QString(), Qt::FindDirectChildrenOnly);
     QCOMPARE(containers.size(), 1);
-    QCOMPARE(containers.at(0)->getXmlWidgets(), bench.tool()->findChildren<XmlRegisterWidget *>());
+    QCOMPARE(containers.at(0)->getXmlWidgets(), rig.tool()->findChildren<XmlRegisterWidget *>());
 
-    auto *settings = bench.tool()->findChild<QVBoxLayout *>(QStringLiteral("settingsLayout"));
+    auto *settings = rig.tool()->findChild<QVBoxLayout *>(QStringLiteral("settingsLayout"));
     QWidget *box = containers.at(0)->widget();
     QCOMPARE(settings->itemAt(0)->widget(), box);
     QCOMPARE(settings->stretch(0), 0);
@@ -133,41 +133,41 @@ void ToolRegisterRowsTest::changedTargetRowMovesTheMarker()
 {
     QFETCH(int, axis);
     QFETCH(int, value);
-    ToolBench bench;
-    bench.setTarget({70, 80});
-    bench.updateTick();
-    bench.target()->setProperty("NewPt", false);
-    bench.link.takeCalls();
+    ToolRig rig;
+    rig.setTarget({70, 80});
+    rig.updateTick();
+    rig.target()->setProperty("NewPt", false);
+    rig.link.takeCalls();
     const QString name = rowNames.at(2 + axis);
     const QString other = rowNames.at(3 - axis);
-    const QString otherText = actualText(bench, other);
-    emit bench.registerWidget(qPrintable(name))->valueChanged(value);
-    QCOMPARE(bench.target()->count(), 1);
-    QCOMPARE(bench.target()->at(0), axis == 0 ? QPointF(value, 80) : QPointF(70, value));
-    QCOMPARE(actualText(bench, name), frenchText(value));
-    const auto *input = inputOf(bench, name);
+    const QString otherText = actualText(rig, other);
+    emit rig.registerWidget(qPrintable(name))->valueChanged(value);
+    QCOMPARE(rig.target()->count(), 1);
+    QCOMPARE(rig.target()->at(0), axis == 0 ? QPointF(value, 80) : QPointF(70, value));
+    QCOMPARE(actualText(rig, name), frenchText(value));
+    const auto *input = inputOf(rig, name);
     QCOMPARE(input->value(), qBound(input->minimum(), value, input->maximum()));
-    QCOMPARE(actualText(bench, other), otherText);
+    QCOMPARE(actualText(rig, other), otherText);
     // It is on the chip already, so it is not sent.
-    QVERIFY(!bench.target()->property("NewPt").toBool());
-    QVERIFY(bench.link.takeCalls().isEmpty());
+    QVERIFY(!rig.target()->property("NewPt").toBool());
+    QVERIFY(rig.link.takeCalls().isEmpty());
 }
 
 void ToolRegisterRowsTest::targetWrittenElsewhereMovesTheMarker()
 {
-    ToolBench bench;
-    bench.module()->writeChannelRegister(registerOf(bench, "M0_XTARGET"), 0, 5000);
-    bench.module()->writeChannelRegister(registerOf(bench, "M1_XTARGET"), 0, 300);
-    QCOMPARE(bench.target()->at(0), QPointF(5000, 300));
-    QCOMPARE(bench.takeCalls().size(), 2);
-    auto *input = bench.widget<QSpinBox>("M1_XTARGET_input");
+    ToolRig rig;
+    rig.module()->writeChannelRegister(registerOf(rig, "M0_XTARGET"), 0, 5000);
+    rig.module()->writeChannelRegister(registerOf(rig, "M1_XTARGET"), 0, 300);
+    QCOMPARE(rig.target()->at(0), QPointF(5000, 300));
+    QCOMPARE(rig.takeCalls().size(), 2);
+    auto *input = rig.widget<QSpinBox>("M1_XTARGET_input");
     QCOMPARE(input->value(), 300);
     input->setFocus();
     input->selectAll();
     QTest::keyClicks(input, QStringLiteral("77"));
     QTest::keyClick(input, Qt::Key_Return);
-    QCOMPARE(bench.target()->at(0), QPointF(5000, 77));
-    QCOMPARE(bench.takeCalls(), QStringList{QStringLiteral("write M1_XTARGET m0 77")});
+    QCOMPARE(rig.target()->at(0), QPointF(5000, 77));
+    QCOMPARE(rig.takeCalls(), QStringList{QStringLiteral("write M1_XTARGET m0 77")});
 }
 
 void ToolRegisterRowsTest::targetRowIsFollowedBeforeTheChartExists()
@@ -182,57 +182,57 @@ void ToolRegisterRowsTest::targetRowIsFollowedBeforeTheChartExists()
         row = receiver->parent()->findChildren<XmlRegisterWidget *>().value(2);
         emit row->valueChanged(1234);
     });
-    ToolBench bench;
+    ToolRig rig;
     QVERIFY(row);
-    QCOMPARE(row.data(), bench.registerWidget("M0_XTARGET"));
-    QCOMPARE(actualText(bench, rowNames.at(2)), frenchText(1234));
-    QCOMPARE(bench.target()->at(0), QPointF(0, 0));
+    QCOMPARE(row.data(), rig.registerWidget("M0_XTARGET"));
+    QCOMPARE(actualText(rig, rowNames.at(2)), frenchText(1234));
+    QCOMPARE(rig.target()->at(0), QPointF(0, 0));
 }
 
 void ToolRegisterRowsTest::targetRowsOutliveEachOther()
 {
-    ToolBench bench;
-    delete bench.registerWidget("M1_XTARGET");
-    emit bench.registerWidget("M0_XTARGET")->valueChanged(11);
-    QCOMPARE(bench.target()->at(0), QPointF(11, 0));
+    ToolRig rig;
+    delete rig.registerWidget("M1_XTARGET");
+    emit rig.registerWidget("M0_XTARGET")->valueChanged(11);
+    QCOMPARE(rig.target()->at(0), QPointF(11, 0));
     // The row stays when its register goes, and follows no more than the marker.
-    delete registerOf(bench, "M0_XTARGET");
-    for (XmlRegisterWidget *row : bench.tool()->findChildren<XmlRegisterWidget *>())
+    delete registerOf(rig, "M0_XTARGET");
+    for (XmlRegisterWidget *row : rig.tool()->findChildren<XmlRegisterWidget *>())
         emit row->valueChanged(12);
-    QCOMPARE(bench.target()->at(0), QPointF(12, 0));
-    delete bench.tool()->findChildren<XmlRegisterWidget *>().constLast();
-    bench.show();
-    bench.setTarget({1, 1});
-    bench.updateTick();
-    bench.call("on_pbStart_clicked");
-    bench.call("on_pbStop_clicked");
-    QVERIFY(bench.takeWrites().filter(QStringLiteral("XTARGET")).isEmpty());
+    QCOMPARE(rig.target()->at(0), QPointF(12, 0));
+    delete rig.tool()->findChildren<XmlRegisterWidget *>().constLast();
+    rig.show();
+    rig.setTarget({1, 1});
+    rig.updateTick();
+    rig.call("on_pbStart_clicked");
+    rig.call("on_pbStop_clicked");
+    QVERIFY(rig.takeWrites().filter(QStringLiteral("XTARGET")).isEmpty());
 }
 
 void ToolRegisterRowsTest::deletedFieldsAreNotUsed()
 {
-    ToolBench bench;
+    ToolRig rig;
     for (const QString &name : rowNames)
-        delete bench.registerWidget(qPrintable(name))->registerField();
+        delete rig.registerWidget(qPrintable(name))->registerField();
     for (const char *name : {"M0_VACTUAL", "M1_VMAX"})
-        delete registerOf(bench, name);
-    for (XmlRegisterWidget *row : bench.tool()->findChildren<XmlRegisterWidget *>())
+        delete registerOf(rig, name);
+    for (XmlRegisterWidget *row : rig.tool()->findChildren<XmlRegisterWidget *>())
         emit row->valueChanged(3);
-    QCOMPARE(bench.target()->at(0), QPointF(3, 3));
-    bench.show();
-    bench.setTarget({5, 6});
-    bench.updateTick();
-    bench.takeCalls();
-    bench.call("on_pbStart_clicked");
-    bench.call("on_pbStop_clicked");
+    QCOMPARE(rig.target()->at(0), QPointF(3, 3));
+    rig.show();
+    rig.setTarget({5, 6});
+    rig.updateTick();
+    rig.takeCalls();
+    rig.call("on_pbStart_clicked");
+    rig.call("on_pbStop_clicked");
     const QStringList writes{
         QStringLiteral("write M0_VMAX m0 0"), QStringLiteral("write RAMPMODE m0 0"),
         QStringLiteral("write RAMPMODE m0 768"), QStringLiteral("write M0_VMAX m0 1000"),
         QStringLiteral("write RAMPMODE m0 0")};
-    QCOMPARE(bench.takeWrites(), writes);
-    bench.updateTick();
+    QCOMPARE(rig.takeWrites(), writes);
+    rig.updateTick();
     // The velocity that cannot be read does not end the move.
-    QVERIFY(!bench.widget<QWidget>("pbStart")->isEnabled());
+    QVERIFY(!rig.widget<QWidget>("pbStart")->isEnabled());
 }
 
 QTEST_MAIN(ToolRegisterRowsTest)

@@ -1,6 +1,6 @@
 #include "EventWatch.h"
 #include "HeadlessPlatform.h"
-#include "RegisterBench.h"
+#include "RegisterRig.h"
 
 #include "XmlRegisterWidgetContainer.h"
 
@@ -28,23 +28,23 @@ QVariantList addressesOf(const QStringList &names)
 {
     QVariantList addresses;
     for (const QString &name : names)
-        addresses << ToolBench::address(name);
+        addresses << ToolRig::address(name);
     return addresses;
 }
 
-QVariantList rampListOf(const ToolBench &bench)
+QVariantList rampListOf(const ToolRig &rig)
 {
-    return bench.widget<QWidget>("btnShowPosition")->property("RampList").toList();
+    return rig.widget<QWidget>("btnShowPosition")->property("RampList").toList();
 }
 
 QString toolTipFor(QStringList names)
 {
     std::sort(names.begin(), names.end(), [](const QString &a, const QString &b) {
-        return ToolBench::address(a) < ToolBench::address(b);
+        return ToolRig::address(a) < ToolRig::address(b);
     });
     QString text = QStringLiteral("Show Register Browser with:");
     for (const QString &name : qAsConst(names)) {
-        const QString digits = QString::number(ToolBench::address(name), 16).toUpper();
+        const QString digits = QString::number(ToolRig::address(name), 16).toUpper();
         text += QStringLiteral("\n0x%1 : %2").arg(digits, name);
     }
     return text;
@@ -77,11 +77,11 @@ private slots:
 
 void ToolRegistersTest::boundRegistersAreListedAscending()
 {
-    ToolBench bench;
+    ToolRig rig;
     QVariantList expected = addressesOf(boundNames);
     std::sort(expected.begin(), expected.end(),
               [](const QVariant &a, const QVariant &b) { return a.toUInt() < b.toUInt(); });
-    const QVariantList list = registerListOf(bench);
+    const QVariantList list = registerListOf(rig);
     QCOMPARE(list.size(), 9);
     QCOMPARE(list, expected);
     for (const QVariant &address : list)
@@ -110,8 +110,8 @@ void ToolRegistersTest::listIsSortedByNumberAndKeepsDuplicates()
 
 void ToolRegistersTest::toolTipNamesEachRegister()
 {
-    ToolBench bench;
-    QCOMPARE(bench.widget<QWidget>("btnShowRegister")->toolTip(), toolTipFor(boundNames));
+    ToolRig rig;
+    QCOMPARE(rig.widget<QWidget>("btnShowRegister")->toolTip(), toolTipFor(boundNames));
 }
 
 void ToolRegistersTest::missingRegistersAreLeftOut_data()
@@ -125,25 +125,25 @@ void ToolRegistersTest::missingRegistersAreLeftOut_data()
 void ToolRegistersTest::missingRegistersAreLeftOut()
 {
     QFETCH(QString, name);
-    BenchGaps gaps;
+    RigGaps gaps;
     gaps.registers << name;
-    ToolBench bench(0, gaps);
-    QCOMPARE(registerListOf(bench).size(), 8);
-    QVERIFY(!registerListOf(bench).contains(ToolBench::address(name)));
-    QCOMPARE(bench.widget<QWidget>("btnShowRegister")->toolTip(),
+    ToolRig rig(0, gaps);
+    QCOMPARE(registerListOf(rig).size(), 8);
+    QVERIFY(!registerListOf(rig).contains(ToolRig::address(name)));
+    QCOMPARE(rig.widget<QWidget>("btnShowRegister")->toolTip(),
              toolTipFor(without(boundNames, name)));
-    QCOMPARE(rowsOf(bench), without(rowNames, name));
+    QCOMPARE(rowsOf(rig), without(rowNames, name));
     // A move goes on with what there is.
-    bench.show();
-    bench.setTarget({30, 40});
-    bench.updateTick();
-    bench.call("on_pbStart_clicked");
-    bench.sample(1, 2);
-    bench.updateTick();
-    bench.updateTick();
-    bench.call("on_pbStop_clicked");
-    QVERIFY(bench.takeCalls().filter(name).isEmpty());
-    QCOMPARE(bench.actual()->at(0), QPointF(1, 2));
+    rig.show();
+    rig.setTarget({30, 40});
+    rig.updateTick();
+    rig.call("on_pbStart_clicked");
+    rig.sample(1, 2);
+    rig.updateTick();
+    rig.updateTick();
+    rig.call("on_pbStop_clicked");
+    QVERIFY(rig.takeCalls().filter(name).isEmpty());
+    QCOMPARE(rig.actual()->at(0), QPointF(1, 2));
 }
 
 void ToolRegistersTest::missingRampRegistersAreLeftOut_data()
@@ -157,10 +157,10 @@ void ToolRegistersTest::missingRampRegistersAreLeftOut_data()
 void ToolRegistersTest::missingRampRegistersAreLeftOut()
 {
     QFETCH(QString, name);
-    BenchGaps gaps;
+    RigGaps gaps;
     gaps.registers << name;
-    ToolBench bench(0, gaps);
-    QCOMPARE(rampListOf(bench), addressesOf(without(rampNames(), name)));
+    ToolRig rig(0, gaps);
+    QCOMPARE(rampListOf(rig), addressesOf(without(rampNames(), name)));
 }
 
 void ToolRegistersTest::registerThatVanishesHasAnEmptyName()
@@ -201,8 +201,8 @@ void ToolRegistersTest::hiddenRegistersAndFieldsAreNotBound()
 
 void ToolRegistersTest::rampRegistersAreListedInLookUpOrder()
 {
-    ToolBench bench;
-    const QVariantList list = rampListOf(bench);
+    ToolRig rig;
+    const QVariantList list = rampListOf(rig);
     QCOMPARE(list.size(), 18);
     QCOMPARE(list, addressesOf(rampNames()));
     for (const QVariant &address : list)
@@ -211,31 +211,31 @@ void ToolRegistersTest::rampRegistersAreListedInLookUpOrder()
 
 void ToolRegistersTest::bindingSendsNothing()
 {
-    ToolBench bench;
-    QVERIFY(bench.link.takeCalls().isEmpty());
+    ToolRig rig;
+    QVERIFY(rig.link.takeCalls().isEmpty());
 }
 
 void ToolRegistersTest::toolWithoutChipHasNoRowsAndNoLists()
 {
-    BenchGaps gaps;
+    RigGaps gaps;
     gaps.hasChip = false;
-    ToolBench bench(0, gaps);
-    QVERIFY(rowsOf(bench).isEmpty());
-    QVERIFY(bench.tool()->findChildren<XmlRegisterWidgetContainer *>().isEmpty());
-    QVERIFY(!bench.widget<QWidget>("btnShowRegister")->property("RegList").isValid());
-    QVERIFY(!bench.widget<QWidget>("btnShowPosition")->property("RampList").isValid());
-    QVERIFY(bench.widget<QWidget>("btnShowRegister")->toolTip().isEmpty());
+    ToolRig rig(0, gaps);
+    QVERIFY(rowsOf(rig).isEmpty());
+    QVERIFY(rig.tool()->findChildren<XmlRegisterWidgetContainer *>().isEmpty());
+    QVERIFY(!rig.widget<QWidget>("btnShowRegister")->property("RegList").isValid());
+    QVERIFY(!rig.widget<QWidget>("btnShowPosition")->property("RampList").isValid());
+    QVERIFY(rig.widget<QWidget>("btnShowRegister")->toolTip().isEmpty());
 }
 
 void ToolRegistersTest::bindingIsMadeOnce()
 {
-    ToolBench bench;
-    const QVariantList list = registerListOf(bench);
-    delete registerOf(bench, "RAMPMODE");
-    bench.module()->setProduct(0, ProductBuilder().take());
-    bench.tool()->showPlugin();
-    QCOMPARE(registerListOf(bench), list);
-    QCOMPARE(rowsOf(bench), rowNames);
+    ToolRig rig;
+    const QVariantList list = registerListOf(rig);
+    delete registerOf(rig, "RAMPMODE");
+    rig.module()->setProduct(0, ProductBuilder().take());
+    rig.tool()->showPlugin();
+    QCOMPARE(registerListOf(rig), list);
+    QCOMPARE(rowsOf(rig), rowNames);
 }
 
 void ToolRegistersTest::chipIsThatOfTheMotor_data()

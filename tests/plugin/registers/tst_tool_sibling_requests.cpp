@@ -1,5 +1,5 @@
 #include "HeadlessPlatform.h"
-#include "SiblingBench.h"
+#include "SiblingRig.h"
 
 #include <QPushButton>
 #include <QTest>
@@ -26,14 +26,14 @@ private slots:
 
 void ToolSiblingRequestsTest::browserIsOpenedAndSentTheList()
 {
-    SiblingBench bench;
-    bench.show();
-    Sibling browser(bench.key("browser"), browserName);
-    bench.tool()->showPlugin();
+    SiblingRig rig;
+    rig.show();
+    Sibling browser(rig.key("browser"), browserName);
+    rig.tool()->showPlugin();
     const int before = singleShots().size();
-    QTest::mouseClick(bench.browser, Qt::LeftButton);
-    QCOMPARE(bench.requests, QStringList{bench.key("browser")});
-    QVERIFY(bench.allOpen && bench.allValid);
+    QTest::mouseClick(rig.browser, Qt::LeftButton);
+    QCOMPARE(rig.requests, QStringList{rig.key("browser")});
+    QVERIFY(rig.allOpen && rig.allValid);
     QVERIFY(browser.values.isEmpty());
 
     const QList<SingleShot> waiting = singleShots();
@@ -44,24 +44,24 @@ void ToolSiblingRequestsTest::browserIsOpenedAndSentTheList()
     QCOMPARE(browser.types.at(0), &ExportTypes::RegisterList);
     QCOMPARE(browser.types.at(0)->name, QStringLiteral("RergisterList"));
     QCOMPARE(browser.values.at(0).type(), QVariant::List);
-    QCOMPARE(browser.values.at(0), bench.browser->property("RegList"));
+    QCOMPARE(browser.values.at(0), rig.browser->property("RegList"));
     QCOMPARE(browser.values.at(0).toList().size(), 9);
-    QCOMPARE(browser.senders.at(0), static_cast<QObject *>(bench.tool()));
-    QCOMPARE(bench.requests.size(), 1);
+    QCOMPARE(browser.senders.at(0), static_cast<QObject *>(rig.tool()));
+    QCOMPARE(rig.requests.size(), 1);
 }
 
 void ToolSiblingRequestsTest::everyClickExportsAgain()
 {
-    SiblingBench bench;
-    Sibling browser(bench.key("browser"), browserName);
-    bench.call("initExternTools");
-    bench.browser->click();
-    bench.browser->click();
+    SiblingRig rig;
+    Sibling browser(rig.key("browser"), browserName);
+    rig.call("initExternTools");
+    rig.browser->click();
+    rig.browser->click();
     QVERIFY(browser.values.isEmpty());
     fireSingleShots();
     QTRY_COMPARE(browser.values.size(), 2);
-    QCOMPARE(bench.requests.size(), 2);
-    bench.browser->click();
+    QCOMPARE(rig.requests.size(), 2);
+    rig.browser->click();
     fireSingleShots();
     QTRY_COMPARE(browser.values.size(), 3);
     QCOMPARE(browser.values.at(0), browser.values.at(2));
@@ -69,12 +69,12 @@ void ToolSiblingRequestsTest::everyClickExportsAgain()
 
 void ToolSiblingRequestsTest::exportedListIsReadWhenItIsSent()
 {
-    SiblingBench bench;
-    Sibling browser(bench.key("browser"), browserName);
-    bench.call("initExternTools");
-    bench.browser->click();
+    SiblingRig rig;
+    Sibling browser(rig.key("browser"), browserName);
+    rig.call("initExternTools");
+    rig.browser->click();
     const QVariantList changed{1u, 2u};
-    bench.browser->setProperty("RegList", changed);
+    rig.browser->setProperty("RegList", changed);
     fireSingleShots();
     QTRY_COMPARE(browser.values.size(), 1);
     QCOMPARE(browser.values.at(0).toList(), changed);
@@ -82,13 +82,13 @@ void ToolSiblingRequestsTest::exportedListIsReadWhenItIsSent()
 
 void ToolSiblingRequestsTest::exportWithoutAListIsAnEmptyList()
 {
-    BenchGaps gaps;
+    RigGaps gaps;
     gaps.hasChip = false;
-    SiblingBench bench(gaps);
-    Sibling browser(bench.key("browser"), browserName);
-    bench.call("initExternTools");
-    QCOMPARE(bench.enabled(), QStringLiteral("browser -"));
-    bench.browser->click();
+    SiblingRig rig(gaps);
+    Sibling browser(rig.key("browser"), browserName);
+    rig.call("initExternTools");
+    QCOMPARE(rig.enabled(), QStringLiteral("browser -"));
+    rig.browser->click();
     fireSingleShots();
     QTRY_COMPARE(browser.values.size(), 1);
     QCOMPARE(browser.values.at(0).type(), QVariant::List);
@@ -97,12 +97,12 @@ void ToolSiblingRequestsTest::exportWithoutAListIsAnEmptyList()
 
 void ToolSiblingRequestsTest::deletedToolExportsNothing()
 {
-    SiblingBench bench;
-    Sibling browser(bench.key("browser"), browserName);
-    bench.call("initExternTools");
-    bench.browser->click();
+    SiblingRig rig;
+    Sibling browser(rig.key("browser"), browserName);
+    rig.call("initExternTools");
+    rig.browser->click();
     QVERIFY(!singleShots().isEmpty());
-    bench.deleteTool();
+    rig.deleteTool();
     fireSingleShots();
     QTRY_VERIFY(singleShots().isEmpty());
     QVERIFY(browser.values.isEmpty());
@@ -110,61 +110,61 @@ void ToolSiblingRequestsTest::deletedToolExportsNothing()
 
 void ToolSiblingRequestsTest::positionToolsAreBothOpened()
 {
-    SiblingBench bench;
-    Sibling first(bench.key("p0"), positionName, 0);
-    Sibling second(bench.key("p1"), positionName, 1);
-    bench.call("initExternTools");
-    bench.position->click();
-    QCOMPARE(bench.requests, (QStringList{bench.key("p0"), bench.key("p1")}));
-    QVERIFY(bench.allOpen && bench.allValid);
+    SiblingRig rig;
+    Sibling first(rig.key("p0"), positionName, 0);
+    Sibling second(rig.key("p1"), positionName, 1);
+    rig.call("initExternTools");
+    rig.position->click();
+    QCOMPARE(rig.requests, (QStringList{rig.key("p0"), rig.key("p1")}));
+    QVERIFY(rig.allOpen && rig.allValid);
     QVERIFY(singleShots().isEmpty());
     QVERIFY(first.values.isEmpty() && second.values.isEmpty());
 }
 
 void ToolSiblingRequestsTest::absentKeysAreAskedForAsEmpty()
 {
-    SiblingBench bench;
-    const Sibling second(bench.key("p1"), positionName, 1);
-    bench.call("initExternTools");
-    QCOMPARE(bench.enabled(), QStringLiteral("- position"));
-    QVERIFY(!bench.position->property("Key0").isValid());
-    bench.position->click();
-    QCOMPARE(bench.requests, (QStringList{QString(), bench.key("p1")}));
-    QVERIFY(bench.allOpen && bench.allValid);
+    SiblingRig rig;
+    const Sibling second(rig.key("p1"), positionName, 1);
+    rig.call("initExternTools");
+    QCOMPARE(rig.enabled(), QStringLiteral("- position"));
+    QVERIFY(!rig.position->property("Key0").isValid());
+    rig.position->click();
+    QCOMPARE(rig.requests, (QStringList{QString(), rig.key("p1")}));
+    QVERIFY(rig.allOpen && rig.allValid);
 
-    bench.requests.clear();
-    bench.browser->setEnabled(true);
-    bench.browser->click();
-    QCOMPARE(bench.requests, QStringList{QString()});
+    rig.requests.clear();
+    rig.browser->setEnabled(true);
+    rig.browser->click();
+    QCOMPARE(rig.requests, QStringList{QString()});
     fireSingleShots();
 }
 
 void ToolSiblingRequestsTest::keysAreReadFromTheClickedObject()
 {
-    SiblingBench bench;
+    SiblingRig rig;
     QPushButton other;
     other.setProperty("Key0", QStringLiteral("from 0"));
     other.setProperty("Key1", QStringLiteral("from 1"));
-    connect(&other, SIGNAL(clicked()), bench.tool(), SLOT(on_btnShowPosition_clicked()));
+    connect(&other, SIGNAL(clicked()), rig.tool(), SLOT(on_btnShowPosition_clicked()));
     other.click();
-    QCOMPARE(bench.requests, (QStringList{QStringLiteral("from 0"), QStringLiteral("from 1")}));
+    QCOMPARE(rig.requests, (QStringList{QStringLiteral("from 0"), QStringLiteral("from 1")}));
     other.disconnect();
-    bench.requests.clear();
-    connect(&other, SIGNAL(clicked()), bench.tool(), SLOT(on_btnShowRegister_clicked()));
+    rig.requests.clear();
+    connect(&other, SIGNAL(clicked()), rig.tool(), SLOT(on_btnShowRegister_clicked()));
     other.click();
-    QCOMPARE(bench.requests, QStringList{QStringLiteral("from 0")});
+    QCOMPARE(rig.requests, QStringList{QStringLiteral("from 0")});
     fireSingleShots();
 }
 
 void ToolSiblingRequestsTest::slotsCalledWithoutASenderAskForEmptyKeys()
 {
-    SiblingBench bench;
-    Sibling browser(bench.key("browser"), browserName);
-    bench.call("initExternTools");
-    bench.call("on_btnShowRegister_clicked");
-    QCOMPARE(bench.requests, QStringList{QString()});
-    bench.call("on_btnShowPosition_clicked");
-    QCOMPARE(bench.requests.size(), 3);
+    SiblingRig rig;
+    Sibling browser(rig.key("browser"), browserName);
+    rig.call("initExternTools");
+    rig.call("on_btnShowRegister_clicked");
+    QCOMPARE(rig.requests, QStringList{QString()});
+    rig.call("on_btnShowPosition_clicked");
+    QCOMPARE(rig.requests.size(), 3);
     fireSingleShots();
     QTRY_COMPARE(browser.values.size(), 1);
 }
@@ -180,29 +180,29 @@ void ToolSiblingRequestsTest::toolDeletedWhileAskingIsSurvived_data()
 void ToolSiblingRequestsTest::toolDeletedWhileAskingIsSurvived()
 {
     QFETCH(QByteArray, button);
-    SiblingBench bench;
-    Sibling browser(bench.key("browser"), browserName);
-    connect(bench.tool(), &PluginInterface::signalDeviceTreeOperation, this,
-            [&bench] { bench.deleteTool(); });
-    bench.widget<QAbstractButton>(button.constData())->click();
-    QVERIFY(!bench.tool());
-    QCOMPARE(bench.requests.size(), 1);
+    SiblingRig rig;
+    Sibling browser(rig.key("browser"), browserName);
+    connect(rig.tool(), &PluginInterface::signalDeviceTreeOperation, this,
+            [&rig] { rig.deleteTool(); });
+    rig.widget<QAbstractButton>(button.constData())->click();
+    QVERIFY(!rig.tool());
+    QCOMPARE(rig.requests.size(), 1);
     fireSingleShots();
     QVERIFY(browser.values.isEmpty());
 }
 
 void ToolSiblingRequestsTest::buttonDeletedWhileAskingIsSurvived()
 {
-    SiblingBench bench;
+    SiblingRig rig;
     auto other = std::make_unique<QPushButton>();
     other->setProperty("Key0", QStringLiteral("from 0"));
     other->setProperty("Key1", QStringLiteral("from 1"));
-    connect(other.get(), SIGNAL(clicked()), bench.tool(), SLOT(on_btnShowPosition_clicked()));
-    connect(bench.tool(), &PluginInterface::signalDeviceTreeOperation, this,
+    connect(other.get(), SIGNAL(clicked()), rig.tool(), SLOT(on_btnShowPosition_clicked()));
+    connect(rig.tool(), &PluginInterface::signalDeviceTreeOperation, this,
             [&other] { other.reset(); });
     other->click();
     QVERIFY(!other);
-    QCOMPARE(bench.requests, (QStringList{QStringLiteral("from 0"), QString()}));
+    QCOMPARE(rig.requests, (QStringList{QStringLiteral("from 0"), QString()}));
 }
 
 QTEST_MAIN(ToolSiblingRequestsTest)

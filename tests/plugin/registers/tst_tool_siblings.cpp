@@ -1,5 +1,5 @@
 #include "HeadlessPlatform.h"
-#include "SiblingBench.h"
+#include "SiblingRig.h"
 
 #include "DebugCategories.h"
 #include "PluginInterface_p.h"
@@ -110,13 +110,13 @@ private slots:
 
 void ToolSiblingsTest::buttonsAreDisabledWithoutSiblings()
 {
-    SiblingBench bench;
-    QCOMPARE(bench.enabled(), QStringLiteral("browser position"));
-    bench.call("initExternTools");
-    QCOMPARE(bench.enabled(), QStringLiteral("- -"));
-    QVERIFY(!bench.browser->property("Key0").isValid());
-    QVERIFY(!bench.position->property("Key0").isValid());
-    QVERIFY(!bench.position->property("Key1").isValid());
+    SiblingRig rig;
+    QCOMPARE(rig.enabled(), QStringLiteral("browser position"));
+    rig.call("initExternTools");
+    QCOMPARE(rig.enabled(), QStringLiteral("- -"));
+    QVERIFY(!rig.browser->property("Key0").isValid());
+    QVERIFY(!rig.position->property("Key0").isValid());
+    QVERIFY(!rig.position->property("Key1").isValid());
 }
 
 void ToolSiblingsTest::siblingsAreFoundByTitle_data()
@@ -142,15 +142,15 @@ void ToolSiblingsTest::siblingsAreFoundByTitle_data()
 void ToolSiblingsTest::siblingsAreFoundByTitle()
 {
     QFETCH(QString, title);
-    SiblingBench bench;
-    const Sibling sibling(bench.key("tool"), title);
-    bench.tool()->showPlugin();
-    QTEST(bench.enabled(), "enabled");
-    const QVariant found(bench.key("tool"));
-    QCOMPARE(bench.browser->property("Key0"), bench.browser->isEnabled() ? found : QVariant());
-    QCOMPARE(bench.position->property("Key0"), bench.position->isEnabled() ? found : QVariant());
-    QVERIFY(!bench.position->property("Key1").isValid());
-    QVERIFY(!bench.browser->property("Key1").isValid());
+    SiblingRig rig;
+    const Sibling sibling(rig.key("tool"), title);
+    rig.tool()->showPlugin();
+    QTEST(rig.enabled(), "enabled");
+    const QVariant found(rig.key("tool"));
+    QCOMPARE(rig.browser->property("Key0"), rig.browser->isEnabled() ? found : QVariant());
+    QCOMPARE(rig.position->property("Key0"), rig.position->isEnabled() ? found : QVariant());
+    QVERIFY(!rig.position->property("Key1").isValid());
+    QVERIFY(!rig.browser->property("Key1").isValid());
 }
 
 void ToolSiblingsTest::motorDecidesAboutTheKey_data()
@@ -168,170 +168,170 @@ void ToolSiblingsTest::motorDecidesAboutTheKey()
 {
     QFETCH(int, motor);
     QFETCH(QByteArray, property);
-    SiblingBench bench;
-    const Sibling position(bench.key("position"), positionName, static_cast<unsigned char>(motor));
+    SiblingRig rig;
+    const Sibling position(rig.key("position"), positionName, static_cast<unsigned char>(motor));
     // The browser's motor does not count.
-    const Sibling browser(bench.key("browser"), browserName, static_cast<unsigned char>(motor));
-    bench.call("initExternTools");
-    QCOMPARE(bench.enabled(), QStringLiteral("browser position"));
+    const Sibling browser(rig.key("browser"), browserName, static_cast<unsigned char>(motor));
+    rig.call("initExternTools");
+    QCOMPARE(rig.enabled(), QStringLiteral("browser position"));
     for (const char *name : {"Key0", "Key1"}) {
-        QCOMPARE(bench.position->property(name),
-                 property == name ? QVariant(bench.key("position")) : QVariant());
+        QCOMPARE(rig.position->property(name),
+                 property == name ? QVariant(rig.key("position")) : QVariant());
     }
-    QCOMPARE(bench.browser->property("Key0"), QVariant(bench.key("browser")));
-    QVERIFY(!bench.browser->property("Key1").isValid());
+    QCOMPARE(rig.browser->property("Key0"), QVariant(rig.key("browser")));
+    QVERIFY(!rig.browser->property("Key1").isValid());
 }
 
 void ToolSiblingsTest::siblingsOfOtherModulesAreLeftAlone()
 {
-    SiblingBench bench;
-    const QString own = bench.module()->key();
+    SiblingRig rig;
+    const QString own = rig.module()->key();
     const Sibling other(QStringLiteral("other/") + own, browserName);
     const Sibling upper(own.toUpper() + QLatin1String("x"), positionName);
     const Sibling shorter(own.left(own.size() - 2), browserName);
-    bench.call("initExternTools");
-    QCOMPARE(bench.enabled(), QStringLiteral("- -"));
-    QVERIFY(!bench.browser->property("Key0").isValid());
+    rig.call("initExternTools");
+    QCOMPARE(rig.enabled(), QStringLiteral("- -"));
+    QVERIFY(!rig.browser->property("Key0").isValid());
 }
 
 void ToolSiblingsTest::oddPluginsAreSkipped()
 {
-    SiblingBench bench;
-    const NotATool notATool(bench.key("a"));
-    const OtherKind otherKind(bench.key("e"));
+    SiblingRig rig;
+    const NotATool notATool(rig.key("a"));
+    const OtherKind otherKind(rig.key("e"));
     // A base object does not answer to the interface's identifier.
     ToolsInterface bare(QStringLiteral("bare"), QStringLiteral("Bare"), ToolsType::PositionMode, 0,
                         nullptr, QString(), nullptr);
     bare.setToolsName(positionName);
-    HostRegistry::add(&bare, bench.key("b"));
-    HostModule module(browserName, bench.key("c"), nullptr);
-    const QString nobody = bench.key("d");
+    HostRegistry::add(&bare, rig.key("b"));
+    HostModule module(browserName, rig.key("c"), nullptr);
+    const QString nobody = rig.key("d");
     PluginHandlerPrivate::entries().insert(nobody, nullptr);
-    bench.call("initExternTools");
+    rig.call("initExternTools");
     PluginHandlerPrivate::entries().remove(nobody);
-    QCOMPARE(bench.enabled(), QStringLiteral("- -"));
-    QVERIFY(!bench.browser->property("Key0").isValid());
-    QVERIFY(!bench.position->property("Key0").isValid());
+    QCOMPARE(rig.enabled(), QStringLiteral("- -"));
+    QVERIFY(!rig.browser->property("Key0").isValid());
+    QVERIFY(!rig.position->property("Key0").isValid());
 }
 
 void ToolSiblingsTest::searchRunsOnEveryShow()
 {
-    SiblingBench bench;
-    bench.tool()->showPlugin();
-    QCOMPARE(bench.enabled(), QStringLiteral("- -"));
+    SiblingRig rig;
+    rig.tool()->showPlugin();
+    QCOMPARE(rig.enabled(), QStringLiteral("- -"));
     {
-        const Sibling browser(bench.key("browser"), browserName);
-        const Sibling position(bench.key("position"), positionName, 1);
-        bench.tool()->showPlugin();
-        QCOMPARE(bench.enabled(), QStringLiteral("browser position"));
+        const Sibling browser(rig.key("browser"), browserName);
+        const Sibling position(rig.key("position"), positionName, 1);
+        rig.tool()->showPlugin();
+        QCOMPARE(rig.enabled(), QStringLiteral("browser position"));
     }
-    QCOMPARE(bench.enabled(), QStringLiteral("browser position"));
-    bench.tool()->showPlugin();
-    QCOMPARE(bench.enabled(), QStringLiteral("- -"));
+    QCOMPARE(rig.enabled(), QStringLiteral("browser position"));
+    rig.tool()->showPlugin();
+    QCOMPARE(rig.enabled(), QStringLiteral("- -"));
     // The keys stay.
-    QCOMPARE(bench.browser->property("Key0"), QVariant(bench.key("browser")));
-    QCOMPARE(bench.position->property("Key1"), QVariant(bench.key("position")));
+    QCOMPARE(rig.browser->property("Key0"), QVariant(rig.key("browser")));
+    QCOMPARE(rig.position->property("Key1"), QVariant(rig.key("position")));
 }
 
 void ToolSiblingsTest::oneOfSeveralSiblingsWins()
 {
-    SiblingBench bench;
-    const Sibling one(bench.key("one"), browserName);
-    const Sibling two(bench.key("two"), browserName);
-    const Sibling three(bench.key("three"), browserName);
-    bench.call("initExternTools");
+    SiblingRig rig;
+    const Sibling one(rig.key("one"), browserName);
+    const Sibling two(rig.key("two"), browserName);
+    const Sibling three(rig.key("three"), browserName);
+    rig.call("initExternTools");
     QString last;
     const auto plugins = PluginHandlerPrivate::entries();
     for (auto entry = plugins.cbegin(); entry != plugins.cend(); ++entry) {
         if (qobject_cast<Sibling *>(entry.value()))
             last = entry.key();
     }
-    QCOMPARE(bench.browser->property("Key0"), QVariant(last));
+    QCOMPARE(rig.browser->property("Key0"), QVariant(last));
 }
 
 void ToolSiblingsTest::toolNamesComeFromTheProperties()
 {
-    SiblingBench bench;
-    bench.browser->setProperty("Tool", QStringLiteral("Scope"));
+    SiblingRig rig;
+    rig.browser->setProperty("Tool", QStringLiteral("Scope"));
     // What would suit both is the register browser.
-    bench.position->setProperty("Tool", QStringLiteral("Sco"));
-    const Sibling scope(bench.key("scope"), QStringLiteral("Scope 1"));
-    const Sibling browser(bench.key("browser"), browserName);
-    bench.call("initExternTools");
-    QCOMPARE(bench.enabled(), QStringLiteral("browser -"));
-    QCOMPARE(bench.browser->property("Key0"), QVariant(bench.key("scope")));
+    rig.position->setProperty("Tool", QStringLiteral("Sco"));
+    const Sibling scope(rig.key("scope"), QStringLiteral("Scope 1"));
+    const Sibling browser(rig.key("browser"), browserName);
+    rig.call("initExternTools");
+    QCOMPARE(rig.enabled(), QStringLiteral("browser -"));
+    QCOMPARE(rig.browser->property("Key0"), QVariant(rig.key("scope")));
 }
 
 void ToolSiblingsTest::toolWithoutModuleFindsNothing()
 {
-    BenchGaps gaps;
+    RigGaps gaps;
     gaps.hasModule = false;
-    SiblingBench bench(gaps);
+    SiblingRig rig(gaps);
     const Sibling browser(QStringLiteral("any/browser"), browserName);
-    bench.tool()->showPlugin();
-    QCOMPARE(bench.enabled(), QStringLiteral("- -"));
+    rig.tool()->showPlugin();
+    QCOMPARE(rig.enabled(), QStringLiteral("- -"));
 }
 
 void ToolSiblingsTest::searchWritesALineForEachSibling()
 {
-    SiblingBench bench;
+    SiblingRig rig;
     QWidget frame;
     frame.setObjectName(QStringLiteral("frame"));
-    const Sibling other(bench.key("other"), QStringLiteral("Scope \"1\""), 7, &frame);
+    const Sibling other(rig.key("other"), QStringLiteral("Scope \"1\""), 7, &frame);
     QString frameText;
     QDebug(&frameText).nospace() << static_cast<QWidget *>(&frame);
     {
         const LowLevelLog log;
-        bench.call("initExternTools");
+        rig.call("initExternTools");
         QCOMPARE(log.lines(),
                  QStringList{QStringLiteral("void SynchronisedDriveTool::initExternTools() 7 "
                                             "\"Scope \\\"1\\\"\" %1 \"%2\"")
-                                 .arg(frameText, bench.key("other"))});
+                                 .arg(frameText, rig.key("other"))});
     }
-    const Sibling browser(bench.key("browser"), browserName);
+    const Sibling browser(rig.key("browser"), browserName);
     const Sibling foreign(QStringLiteral("foreign"), browserName);
-    const NotATool notATool(bench.key("not"));
+    const NotATool notATool(rig.key("not"));
     const LowLevelLog log;
-    bench.tool()->showPlugin();
+    rig.tool()->showPlugin();
     QCOMPARE(log.lines().size(), 2);
     const QString line = QStringLiteral("void SynchronisedDriveTool::initExternTools() 0 "
                                         "\"Register browser\" QWidget(0x0) \"%1\"");
-    QVERIFY2(log.lines().contains(line.arg(bench.key("browser"))),
+    QVERIFY2(log.lines().contains(line.arg(rig.key("browser"))),
              qPrintable(log.lines().join(QLatin1Char('\n'))));
 }
 
 void ToolSiblingsTest::visibilityWritesALineAndChangesNothing()
 {
-    SiblingBench bench;
-    const QString enabled = bench.enabled();
+    SiblingRig rig;
+    const QString enabled = rig.enabled();
     const QString signature = QStringLiteral(
         "virtual void SynchronisedDriveTool::siblingIsVisible(const QString&, bool)");
     const LowLevelLog log;
-    bench.tool()->siblingIsVisible(QStringLiteral("a key"), true);
+    rig.tool()->siblingIsVisible(QStringLiteral("a key"), true);
     QCOMPARE(log.lines(),
              QStringList{QStringLiteral("true %1 \"a key\" QVariant(Invalid)").arg(signature)});
     log.lines().clear();
-    bench.browser->setProperty("Key0", QStringLiteral("b key"));
-    QVERIFY(QMetaObject::invokeMethod(bench.tool(), "siblingIsVisible", Q_ARG(QString, QString()),
+    rig.browser->setProperty("Key0", QStringLiteral("b key"));
+    QVERIFY(QMetaObject::invokeMethod(rig.tool(), "siblingIsVisible", Q_ARG(QString, QString()),
                                       Q_ARG(bool, false)));
     QCOMPARE(
         log.lines(),
         QStringList{QStringLiteral("false %1 \"\" QVariant(QString, \"b key\")").arg(signature)});
-    QCOMPARE(bench.enabled(), enabled);
-    QCOMPARE(bench.browser->property("Key0"), QVariant(QStringLiteral("b key")));
-    QVERIFY(bench.requests.isEmpty());
-    QVERIFY(bench.link.takeCalls().isEmpty());
+    QCOMPARE(rig.enabled(), enabled);
+    QCOMPARE(rig.browser->property("Key0"), QVariant(QStringLiteral("b key")));
+    QVERIFY(rig.requests.isEmpty());
+    QVERIFY(rig.link.takeCalls().isEmpty());
 }
 
 void ToolSiblingsTest::nothingIsWrittenWhileTheCategoryIsOff()
 {
-    SiblingBench bench;
-    const Sibling browser(bench.key("browser"), browserName);
+    SiblingRig rig;
+    const Sibling browser(rig.key("browser"), browserName);
     const LowLevelLog log(false);
     QVERIFY(!debLowLevel().isDebugEnabled());
-    bench.tool()->showPlugin();
-    bench.tool()->siblingIsVisible(bench.key("browser"), true);
-    bench.browser->click();
+    rig.tool()->showPlugin();
+    rig.tool()->siblingIsVisible(rig.key("browser"), true);
+    rig.browser->click();
     fireSingleShots();
     QVERIFY2(log.lines().isEmpty(), qPrintable(log.lines().join(QLatin1Char('\n'))));
 }

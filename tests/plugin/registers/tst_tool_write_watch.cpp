@@ -1,4 +1,4 @@
-#include "RampBench.h"
+#include "RampRig.h"
 
 #include "XmlProductIC.h"
 #include "XmlRegisterWidget.h"
@@ -42,72 +42,72 @@ void ToolWriteWatchTest::writeOfARampRegisterChecksAgain()
 {
     QFETCH(QString, name);
     QFETCH(bool, isChecked);
-    RampBench bench;
-    bench.link.takeCalls();
-    bench.tellWritten(ToolBench::address(name));
-    QCOMPARE(bench.takeCalls(), isChecked ? readsOfAll() : QStringList());
+    RampRig rig;
+    rig.link.takeCalls();
+    rig.tellWritten(ToolRig::address(name));
+    QCOMPARE(rig.takeCalls(), isChecked ? readsOfAll() : QStringList());
 }
 
 void ToolWriteWatchTest::writesFromAnywhereAreFollowed()
 {
-    RampBench bench(1);
-    auto *product = bench.module()->getIcProduct(1);
+    RampRig rig(1);
+    auto *product = rig.module()->getIcProduct(1);
     auto *setting = product->getRegisterByName(QStringLiteral("M1_AMAX"), true);
-    bench.module()->writeChannelRegister(setting, 0, 0);
-    QVERIFY(bench.isMarked({}, {QStringLiteral("M1_AMAX")}));
-    bench.module()->writeChannelRegister(setting, 1, 9);
-    QVERIFY(bench.isUnmarked());
-    bench.takeCalls();
-    bench.tellWritten(ToolBench::address(QStringLiteral("M0_D2")), 200);
-    QCOMPARE(bench.takeCalls(), readsOfAll(1));
+    rig.module()->writeChannelRegister(setting, 0, 0);
+    QVERIFY(rig.isMarked({}, {QStringLiteral("M1_AMAX")}));
+    rig.module()->writeChannelRegister(setting, 1, 9);
+    QVERIFY(rig.isUnmarked());
+    rig.takeCalls();
+    rig.tellWritten(ToolRig::address(QStringLiteral("M0_D2")), 200);
+    QCOMPARE(rig.takeCalls(), readsOfAll(1));
 }
 
 void ToolWriteWatchTest::watchedAddressesComeFromTheProperty()
 {
-    RampBench bench;
-    const unsigned int target = ToolBench::address(QStringLiteral("M0_XTARGET"));
-    const unsigned int velocity = ToolBench::address(QStringLiteral("M0_VMAX"));
-    bench.button->setProperty("RampList", QVariantList{target});
-    bench.tellWritten(velocity);
-    QVERIFY(bench.takeCalls().isEmpty());
-    bench.tellWritten(target);
-    QCOMPARE(bench.takeCalls(), readsOfAll());
+    RampRig rig;
+    const unsigned int target = ToolRig::address(QStringLiteral("M0_XTARGET"));
+    const unsigned int velocity = ToolRig::address(QStringLiteral("M0_VMAX"));
+    rig.button->setProperty("RampList", QVariantList{target});
+    rig.tellWritten(velocity);
+    QVERIFY(rig.takeCalls().isEmpty());
+    rig.tellWritten(target);
+    QCOMPARE(rig.takeCalls(), readsOfAll());
     for (const QVariant &nothing : {QVariant(), QVariant(QVariantList()), QVariant(5)}) {
-        bench.button->setProperty("RampList", nothing);
-        bench.tellWritten(target);
-        bench.tellWritten(velocity);
-        QVERIFY(bench.takeCalls().isEmpty());
+        rig.button->setProperty("RampList", nothing);
+        rig.tellWritten(target);
+        rig.tellWritten(velocity);
+        QVERIFY(rig.takeCalls().isEmpty());
     }
 }
 
 void ToolWriteWatchTest::addressesAreComparedByNumber()
 {
-    RampBench bench;
-    bench.button->setProperty("RampList", QVariantList{65535u, 300, qlonglong(40)});
+    RampRig rig;
+    rig.button->setProperty("RampList", QVariantList{65535u, 300, qlonglong(40)});
     for (const unsigned int address : {65535u, 300u, 40u}) {
-        bench.tellWritten(address);
-        QCOMPARE(bench.takeCalls(), readsOfAll());
+        rig.tellWritten(address);
+        QCOMPARE(rig.takeCalls(), readsOfAll());
     }
-    bench.tellWritten(44);
-    QVERIFY(bench.takeCalls().isEmpty());
+    rig.tellWritten(44);
+    QVERIFY(rig.takeCalls().isEmpty());
 }
 
 void ToolWriteWatchTest::duplicateAddressesCheckOnce()
 {
-    RampBench bench;
-    bench.button->setProperty("RampList", QVariantList{7u, 7u, 7u});
-    bench.tellWritten(7);
-    QCOMPARE(bench.takeCalls(), readsOfAll());
+    RampRig rig;
+    rig.button->setProperty("RampList", QVariantList{7u, 7u, 7u});
+    rig.tellWritten(7);
+    QCOMPARE(rig.takeCalls(), readsOfAll());
 }
 
 void ToolWriteWatchTest::writesAfterTheToolIsGoneAreIgnored()
 {
-    RampBench bench;
-    bench.tool()->showPlugin();
-    bench.deleteTool();
-    bench.takeCalls();
-    bench.tellWritten(ToolBench::address(QStringLiteral("M0_VMAX")));
-    QVERIFY(bench.takeCalls().isEmpty());
+    RampRig rig;
+    rig.tool()->showPlugin();
+    rig.deleteTool();
+    rig.takeCalls();
+    rig.tellWritten(ToolRig::address(QStringLiteral("M0_VMAX")));
+    QVERIFY(rig.takeCalls().isEmpty());
 }
 
 void ToolWriteWatchTest::writesWhileTheToolDiesAreIgnored_data()
@@ -122,20 +122,20 @@ void ToolWriteWatchTest::writesWhileTheToolDiesAreIgnored_data()
 void ToolWriteWatchTest::writesWhileTheToolDiesAreIgnored()
 {
     QFETCH(QString, dying);
-    RampBench bench;
-    bench.tool()->showPlugin();
-    bench.takeCalls();
-    const QPointer<XmlRegisterWidget> row = bench.registerWidget("M1_XTARGET");
+    RampRig rig;
+    rig.tool()->showPlugin();
+    rig.takeCalls();
+    const QPointer<XmlRegisterWidget> row = rig.registerWidget("M1_XTARGET");
     bool isTold = false;
-    connect(bench.tool()->findChild<QWidget *>(dying), &QObject::destroyed, this, [&] {
-        bench.tellWritten(ToolBench::address(QStringLiteral("M0_VMAX")));
+    connect(rig.tool()->findChild<QWidget *>(dying), &QObject::destroyed, this, [&] {
+        rig.tellWritten(ToolRig::address(QStringLiteral("M0_VMAX")));
         if (row)
             emit row->valueChanged(9);
         isTold = true;
     });
-    bench.deleteTool();
+    rig.deleteTool();
     QVERIFY(isTold);
-    QVERIFY(bench.takeCalls().isEmpty());
+    QVERIFY(rig.takeCalls().isEmpty());
 }
 
 QTEST_MAIN(ToolWriteWatchTest)

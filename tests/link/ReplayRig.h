@@ -3,7 +3,7 @@
 #include "AxisAddresses.h"
 #include "ShippedChip.h"
 #include "SimulatedModule.h"
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include <QTest>
 #include <QTimerEvent>
@@ -14,16 +14,16 @@
 /// The tool out of the built module on the simulated module, on a stepped clock that its requests
 /// move on. Time passes in turns: one sample tick each while a move runs, and an update tick when
 /// that is due.
-class ReplayBench
+class ReplayRig
 {
 public:
     static constexpr qint64 msInNs = 1000000;
 
-    ReplayBench()
+    ReplayRig()
         : module(readShippedChip().value_or(workbench::ChipDescription()), clock)
     {
     }
-    ~ReplayBench() { delete tool; }
+    ~ReplayRig() { delete tool; }
 
     workbench::AxisAddresses registers() { return module.chip().description().axisAddresses(); }
 

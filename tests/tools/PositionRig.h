@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PluginBench.h"
+#include "PluginRig.h"
 #include "RecordingLink.h"
 #include "SimulatedModule.h"
 
@@ -13,7 +13,7 @@ class XmlValueRegister;
 
 /// Base of the tests of the position mode tool: a visible tool of motor 0 on a simulated module of
 /// the shipped chip, in stepped time.
-class PositionBench : public PluginBench
+class PositionRig : public PluginRig
 {
     Q_OBJECT
 
@@ -24,7 +24,7 @@ private slots:
 protected:
     static constexpr qint64 nsPerMs = 1000000;
 
-    PositionBench();
+    PositionRig();
 
     /// Makes a visible tool in place of the one before.
     void open(unsigned char motor = 0);

@@ -1,4 +1,4 @@
-#include "HostWidgetBench.h"
+#include "HostWidgetRig.h"
 
 #include "HeadlessPlatform.h"
 #include "HostLocale.h"
@@ -24,12 +24,12 @@ public:
 
 } // namespace
 
-void HostWidgetBench::initTestCase()
+void HostWidgetRig::initTestCase()
 {
     silenceHeadlessPlatform();
 }
 
-void HostWidgetBench::init()
+void HostWidgetRig::init()
 {
     link = RecordingLink();
     QLocale::setDefault(curLocale);
@@ -54,42 +54,42 @@ void HostWidgetBench::init()
     QVERIFY(QTest::qWaitForWindowActive(tool.get()));
 }
 
-void HostWidgetBench::cleanup()
+void HostWidgetRig::cleanup()
 {
     tool.reset();
     module.reset();
     QVERIFY(!container);
 }
 
-XmlValueRegisterField *HostWidgetBench::field(const char *identifier) const
+XmlValueRegisterField *HostWidgetRig::field(const char *identifier) const
 {
     return module->getIcProduct(0)->getRegisterFieldByIdentifier(QString::fromLatin1(identifier),
                                                                  false, true);
 }
 
-XmlRegisterWidget *HostWidgetBench::makeWidget(const char *identifier)
+XmlRegisterWidget *HostWidgetRig::makeWidget(const char *identifier)
 {
     auto *const widget = new XmlRegisterWidget(field(identifier), tool.get());
     container->addXmlWidget(widget);
     return widget;
 }
 
-QSpinBox *HostWidgetBench::spinBox(const char *identifier) const
+QSpinBox *HostWidgetRig::spinBox(const char *identifier) const
 {
     return tool->findChild<QSpinBox *>(QLatin1String(identifier) + QStringLiteral("_input"));
 }
 
-QString HostWidgetBench::actualText(const char *identifier) const
+QString HostWidgetRig::actualText(const char *identifier) const
 {
     return tool->findChild<QLabel *>(QLatin1String(identifier) + QStringLiteral("_actual"))->text();
 }
 
-unsigned long long HostWidgetBench::passed(qint64 value)
+unsigned long long HostWidgetRig::passed(qint64 value)
 {
     return static_cast<unsigned long long>(value);
 }
 
-QString HostWidgetBench::write(int address, int value)
+QString HostWidgetRig::write(int address, int value)
 {
     return QStringLiteral("write 0x%1 m0 %2")
         .arg(QString::number(address, 16).toUpper())

@@ -64,7 +64,7 @@ struct ChartViewFixture
 };
 
 /// Base of the tests of the view by itself: a fresh view for each test.
-class ChartViewBench : public QObject
+class ChartViewRig : public QObject
 {
     Q_OBJECT
 

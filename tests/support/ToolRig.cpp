@@ -1,4 +1,4 @@
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include "ProductBuilder.h"
 #include "XmlProductIC.h"
@@ -42,7 +42,7 @@ bool isPosition(const QString &name)
     return name.contains(QLatin1String("_X"));
 }
 
-std::shared_ptr<XmlProductIC> makeProduct(const BenchGaps &gaps)
+std::shared_ptr<XmlProductIC> makeProduct(const RigGaps &gaps)
 {
     ProductBuilder builder;
     for (const QString &name : registerNames()) {
@@ -50,7 +50,7 @@ std::shared_ptr<XmlProductIC> makeProduct(const BenchGaps &gaps)
             continue;
         RegisterInfo info;
         info.name = name;
-        info.address = ToolBench::address(name);
+        info.address = ToolRig::address(name);
         info.writable = !isReadOnly(name);
         XmlValueRegister *reg = builder.addRegister(info);
         if (gaps.fields.contains(name))
@@ -111,11 +111,11 @@ void callEverySlot(QObject *tool)
     }
 }
 
-ToolBench::ToolBench(unsigned char motor, const BenchGaps &gaps)
+ToolRig::ToolRig(unsigned char motor, const RigGaps &gaps)
 {
     const QString key = QStringLiteral("module-%1/").arg(moduleNumber());
     if (gaps.hasModule) {
-        hostModule = std::make_unique<HostModule>(QStringLiteral("bench module"), key, &link);
+        hostModule = std::make_unique<HostModule>(QStringLiteral("rig module"), key, &link);
         if (gaps.hasChip) {
             const std::shared_ptr<XmlProductIC> product = makeProduct(gaps);
             hostModule->setProduct(0, product);
@@ -127,20 +127,20 @@ ToolBench::ToolBench(unsigned char motor, const BenchGaps &gaps)
         if (!isPosition(name) && !isReadOnly(name))
             setRegister(name, 1000);
     }
-    working = toolPrototype()->clone(QStringLiteral("bench tool"), motor, hostModule.get());
+    working = toolPrototype()->clone(QStringLiteral("rig tool"), motor, hostModule.get());
 }
 
-ToolBench::~ToolBench()
+ToolRig::~ToolRig()
 {
     deleteTool();
 }
 
-void ToolBench::deleteTool()
+void ToolRig::deleteTool()
 {
     delete working.data();
 }
 
-void ToolBench::show()
+void ToolRig::show()
 {
     working->resize(900, 600);
     working->show();
@@ -148,7 +148,7 @@ void ToolBench::show()
     working->showPlugin();
 }
 
-XmlRegisterWidget *ToolBench::registerWidget(const char *identifier) const
+XmlRegisterWidget *ToolRig::registerWidget(const char *identifier) const
 {
     const QString name = QLatin1String(identifier) + QLatin1String(" field");
     const QList<XmlRegisterWidget *> all = working->findChildren<XmlRegisterWidget *>();
@@ -159,37 +159,37 @@ XmlRegisterWidget *ToolBench::registerWidget(const char *identifier) const
     return nullptr;
 }
 
-QtCharts::QChartView *ToolBench::view() const
+QtCharts::QChartView *ToolRig::view() const
 {
     return working->findChild<QtCharts::QChartView *>();
 }
 
-QtCharts::QValueAxis *ToolBench::axisX() const
+QtCharts::QValueAxis *ToolRig::axisX() const
 {
     return qobject_cast<QtCharts::QValueAxis *>(chart()->axes(Qt::Horizontal).value(0));
 }
 
-QtCharts::QValueAxis *ToolBench::axisY() const
+QtCharts::QValueAxis *ToolRig::axisY() const
 {
     return qobject_cast<QtCharts::QValueAxis *>(chart()->axes(Qt::Vertical).value(0));
 }
 
-QtCharts::QScatterSeries *ToolBench::target() const
+QtCharts::QScatterSeries *ToolRig::target() const
 {
     return qobject_cast<QtCharts::QScatterSeries *>(chart()->series().value(0));
 }
 
-QtCharts::QScatterSeries *ToolBench::actual() const
+QtCharts::QScatterSeries *ToolRig::actual() const
 {
     return qobject_cast<QtCharts::QScatterSeries *>(chart()->series().value(1));
 }
 
-QtCharts::QLineSeries *ToolBench::trace() const
+QtCharts::QLineSeries *ToolRig::trace() const
 {
     return qobject_cast<QtCharts::QLineSeries *>(chart()->series().value(2));
 }
 
-QString ToolBench::limits() const
+QString ToolRig::limits() const
 {
     return QStringLiteral("%1 %2 %3 %4")
         .arg(widget<QSpinBox>("spM0min")->value())
@@ -198,7 +198,7 @@ QString ToolBench::limits() const
         .arg(widget<QSpinBox>("spM1max")->value());
 }
 
-void ToolBench::setLimits(int m0min, int m0max, int m1min, int m1max)
+void ToolRig::setLimits(int m0min, int m0max, int m1min, int m1max)
 {
     // An upper limit first when it makes room for the lower one, and once more behind it.
     const struct
@@ -211,13 +211,13 @@ void ToolBench::setLimits(int m0min, int m0max, int m1min, int m1max)
         widget<QSpinBox>(step.name)->setValue(step.value);
 }
 
-bool ToolBench::setTarget(QPointF point, QPoint outer) const
+bool ToolRig::setTarget(QPointF point, QPoint outer) const
 {
     return QMetaObject::invokeMethod(tool(), "setTargetPosition", Q_ARG(QPointF, point),
                                      Q_ARG(QPoint, outer));
 }
 
-QList<int> ToolBench::timerIntervals() const
+QList<int> ToolRig::timerIntervals() const
 {
     QList<int> intervals;
     const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(working);
@@ -227,7 +227,7 @@ QList<int> ToolBench::timerIntervals() const
     return intervals;
 }
 
-bool ToolBench::deliverTimer(int intervalMs) const
+bool ToolRig::deliverTimer(int intervalMs) const
 {
     const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(working);
     for (const auto &timer : timers) {
@@ -240,30 +240,30 @@ bool ToolBench::deliverTimer(int intervalMs) const
     return false;
 }
 
-bool ToolBench::updateTick() const
+bool ToolRig::updateTick() const
 {
     return deliverTimer(50) || deliverTimer(100);
 }
 
-bool ToolBench::sample(int x, int y)
+bool ToolRig::sample(int x, int y)
 {
     link.position0 = x;
     link.position1 = y;
     return sampleTick();
 }
 
-QPoint ToolBench::pixelOf(const QPointF &value) const
+QPoint ToolRig::pixelOf(const QPointF &value) const
 {
     return chart()->mapToPosition(value, target()).toPoint();
 }
 
-unsigned int ToolBench::address(const QString &registerName)
+unsigned int ToolRig::address(const QString &registerName)
 {
     constexpr unsigned int firstAddress = 0x11;
     return firstAddress + 3 * static_cast<unsigned int>(registerNames().indexOf(registerName));
 }
 
-QStringList ToolBench::takeCalls()
+QStringList ToolRig::takeCalls()
 {
     QStringList named;
     const QStringList taken = link.takeCalls();

@@ -1,4 +1,4 @@
-#include "BrowserBench.h"
+#include "BrowserRig.h"
 
 #include "HostRegistry.h"
 #include "ProductBuilder.h"
@@ -21,12 +21,12 @@ bool ModeWatchingLink::readRegister(unsigned int address, unsigned char motor, i
     return isAnswered;
 }
 
-BrowserBench::BrowserBench()
-    : PluginBench(QStringLiteral(REGISTER_BROWSER_FILE))
+BrowserRig::BrowserRig()
+    : PluginRig(QStringLiteral(REGISTER_BROWSER_FILE))
 {
 }
 
-void BrowserBench::init()
+void BrowserRig::init()
 {
     link = ModeWatchingLink();
     module = std::make_unique<HostModule>(QStringLiteral("module"), QStringLiteral("m/"), &link);
@@ -38,7 +38,7 @@ void BrowserBench::init()
     HostRegistry::add(tool, QStringLiteral("m/browser/0"));
 }
 
-void BrowserBench::cleanup()
+void BrowserRig::cleanup()
 {
     letSearchFieldFinish();
     delete tool;
@@ -47,7 +47,7 @@ void BrowserBench::cleanup()
 
 /// Its clear button fades in and out by an animation that belongs to nobody: one that is left
 /// running at the end of the process counts as a leak.
-void BrowserBench::letSearchFieldFinish()
+void BrowserRig::letSearchFieldFinish()
 {
     const auto *search = tool ? tool->findChild<QLineEdit *>(QStringLiteral("leSearch")) : nullptr;
     const auto *button = search ? search->findChild<QToolButton *>() : nullptr;
@@ -57,7 +57,7 @@ void BrowserBench::letSearchFieldFinish()
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
-std::shared_ptr<XmlProductIC> BrowserBench::makeProduct()
+std::shared_ptr<XmlProductIC> BrowserRig::makeProduct()
 {
     ProductBuilder builder;
     const auto add = [&builder](RegisterInfo info, const QList<FieldInfo> &fields = {}) {
@@ -80,17 +80,17 @@ std::shared_ptr<XmlProductIC> BrowserBench::makeProduct()
     return builder.take();
 }
 
-XmlValueRegister *BrowserBench::reg(const char *name) const
+XmlValueRegister *BrowserRig::reg(const char *name) const
 {
     return module->getIcProduct(0)->getRegisterByName(QLatin1String(name), false);
 }
 
-QTableView *BrowserBench::table(const char *name) const
+QTableView *BrowserRig::table(const char *name) const
 {
     return tool->findChild<QTableView *>(QLatin1String(name));
 }
 
-QStringList BrowserBench::names() const
+QStringList BrowserRig::names() const
 {
     QStringList all;
     const QAbstractItemModel *const model = table()->model();
@@ -99,25 +99,25 @@ QStringList BrowserBench::names() const
     return all;
 }
 
-QModelIndex BrowserBench::cell(const QString &registerName, int column) const
+QModelIndex BrowserRig::cell(const QString &registerName, int column) const
 {
     const int row = names().indexOf(registerName);
     return table()->model()->index(row, column);
 }
 
-QString BrowserBench::text(const QString &registerName, int column) const
+QString BrowserRig::text(const QString &registerName, int column) const
 {
     return cell(registerName, column).data().toString();
 }
 
-bool BrowserBench::isGrey(const QString &registerName) const
+bool BrowserRig::isGrey(const QString &registerName) const
 {
     const QVariant brush = cell(registerName, Decimal).data(Qt::ForegroundRole);
     return brush.value<QBrush>() ==
            QApplication::palette().brush(QPalette::Disabled, QPalette::Text);
 }
 
-bool BrowserBench::deliverTimer(QObject *object)
+bool BrowserRig::deliverTimer(QObject *object)
 {
     const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(object);
     if (timers.isEmpty())
@@ -128,13 +128,13 @@ bool BrowserBench::deliverTimer(QObject *object)
 }
 
 /// Enough ticks for every register, with a link that answers or not.
-void BrowserBench::round() const
+void BrowserRig::round() const
 {
     for (int i = 0; i < readableCount; ++i)
         QVERIFY(deliverTimer(tool));
 }
 
-QLineEdit *BrowserBench::openEditor(QTableView *view, const QModelIndex &index) const
+QLineEdit *BrowserRig::openEditor(QTableView *view, const QModelIndex &index) const
 {
     view->scrollTo(index);
     view->setCurrentIndex(index);
@@ -144,7 +144,7 @@ QLineEdit *BrowserBench::openEditor(QTableView *view, const QModelIndex &index) 
     return view->viewport()->findChild<QLineEdit *>();
 }
 
-void BrowserBench::enter(QTableView *view, const QModelIndex &index, const QString &entered) const
+void BrowserRig::enter(QTableView *view, const QModelIndex &index, const QString &entered) const
 {
     QLineEdit *const editor = openEditor(view, index);
     QVERIFY(editor);
@@ -155,13 +155,13 @@ void BrowserBench::enter(QTableView *view, const QModelIndex &index, const QStri
 }
 
 /// Lets an editor hand back its text, and then what that led to.
-void BrowserBench::settle()
+void BrowserRig::settle()
 {
     QCoreApplication::processEvents();
     QCoreApplication::processEvents();
 }
 
-QVariantList BrowserBench::listOf(const QList<unsigned int> &addresses)
+QVariantList BrowserRig::listOf(const QList<unsigned int> &addresses)
 {
     QVariantList list;
     for (const unsigned int address : addresses)
@@ -169,7 +169,7 @@ QVariantList BrowserBench::listOf(const QList<unsigned int> &addresses)
     return list;
 }
 
-void BrowserBench::import(const QVariant &value, QObject *sender) const
+void BrowserRig::import(const QVariant &value, QObject *sender) const
 {
     // A type of the same name counts, whatever object it is.
     const export_type_t type{QStringLiteral("RergisterList"), QVariant::List};

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include "ProductBuilder.h"
 #include "XmlRegisterWidget.h"
@@ -12,10 +12,10 @@ inline const QStringList rowNames{QStringLiteral("M0_XACTUAL"), QStringLiteral("
                                   QStringLiteral("M0_XTARGET"), QStringLiteral("M1_XTARGET")};
 
 /// The fields of the rows that a tool has.
-inline QStringList rowsOf(const ToolBench &bench)
+inline QStringList rowsOf(const ToolRig &rig)
 {
     QStringList rows;
-    for (XmlRegisterWidget *row : bench.tool()->findChildren<XmlRegisterWidget *>())
+    for (XmlRegisterWidget *row : rig.tool()->findChildren<XmlRegisterWidget *>())
         rows << row->registerField()->getName().section(QLatin1Char(' '), 0, 0);
     return rows;
 }
@@ -26,14 +26,14 @@ inline QStringList without(QStringList names, const QString &name)
     return names;
 }
 
-inline XmlValueRegister *registerOf(const ToolBench &bench, const char *name)
+inline XmlValueRegister *registerOf(const ToolRig &rig, const char *name)
 {
-    return bench.module()->getIcProduct(0)->getRegisterByName(QLatin1String(name), false);
+    return rig.module()->getIcProduct(0)->getRegisterByName(QLatin1String(name), false);
 }
 
-inline QVariantList registerListOf(const ToolBench &bench)
+inline QVariantList registerListOf(const ToolRig &rig)
 {
-    return bench.widget<QWidget>("btnShowRegister")->property("RegList").toList();
+    return rig.widget<QWidget>("btnShowRegister")->property("RegList").toList();
 }
 
 /// A tool on a chip of the test's own making. The module's link is a recording one.

@@ -1,4 +1,4 @@
-#include "FlightEditorBench.h"
+#include "FlightEditorRig.h"
 
 #include "HeadlessPlatform.h"
 
@@ -26,11 +26,11 @@ void press(const QDialog *editor, QDialogButtonBox::StandardButton which)
     QTest::mouseClick(standardButton(editor, which), Qt::LeftButton);
 }
 
-QVector<QPointF> pathOf(const ToolBench &bench)
+QVector<QPointF> pathOf(const ToolRig &rig)
 {
     QVector<QPointF> path;
     const bool isOpen =
-        inEditor(bench, [&](QDialog *editor) { path = seriesOf(editor)->pointsVector(); });
+        inEditor(rig, [&](QDialog *editor) { path = seriesOf(editor)->pointsVector(); });
     if (!isOpen)
         QTest::qFail("no editor", __FILE__, __LINE__);
     return path;
@@ -50,14 +50,14 @@ bool Preview::operator==(const Preview &other) const
            vertical == other.vertical;
 }
 
-void FlightEditorBench::initTestCase()
+void FlightEditorRig::initTestCase()
 {
     silenceHeadlessPlatform();
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     startFolder = QDir::currentPath();
 }
 
-void FlightEditorBench::init()
+void FlightEditorRig::init()
 {
     QVERIFY(QDir::setCurrent(startFolder));
     AppSettings().remove(folderKey);
@@ -65,7 +65,7 @@ void FlightEditorBench::init()
     QVERIFY(folder->isValid());
 }
 
-void FlightEditorBench::cleanupTestCase()
+void FlightEditorRig::cleanupTestCase()
 {
     QDir::setCurrent(startFolder);
     AppSettings().remove(folderKey);

@@ -1,4 +1,4 @@
-#include "PositionBench.h"
+#include "PositionRig.h"
 
 #include "HostRegistry.h"
 #include "ShippedChip.h"
@@ -11,12 +11,12 @@
 #include <QTest>
 #include <QTimerEvent>
 
-PositionBench::PositionBench()
-    : PluginBench(QStringLiteral(POSITION_MODE_FILE))
+PositionRig::PositionRig()
+    : PluginRig(QStringLiteral(POSITION_MODE_FILE))
 {
 }
 
-void PositionBench::init()
+void PositionRig::init()
 {
     const auto chip = readShippedChip();
     QVERIFY(chip);
@@ -26,13 +26,13 @@ void PositionBench::init()
     open();
 }
 
-void PositionBench::cleanup()
+void PositionRig::cleanup()
 {
     delete tool;
     simulated.reset();
 }
 
-void PositionBench::open(unsigned char motor)
+void PositionRig::open(unsigned char motor)
 {
     delete tool;
     tool = loadPrototype()->clone(QStringLiteral("position"), motor, &simulated->hostModule());
@@ -40,19 +40,19 @@ void PositionBench::open(unsigned char motor)
     show();
 }
 
-void PositionBench::record()
+void PositionRig::record()
 {
     for (const auto &described : simulated->chip().description().registers)
         link.values.insert(described.address, simulated->registerValue(described.name).value_or(0));
     simulated->hostModule().setLink(&link);
 }
 
-XmlValueRegister *PositionBench::reg(const QString &name) const
+XmlValueRegister *PositionRig::reg(const QString &name) const
 {
     return simulated->hostModule().getIcProduct(0)->getRegisterByName(name, true);
 }
 
-void PositionBench::tick() const
+void PositionRig::tick() const
 {
     const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(tool);
     QCOMPARE(timers.size(), 1);
@@ -60,13 +60,13 @@ void PositionBench::tick() const
     QCoreApplication::sendEvent(tool, &event);
 }
 
-void PositionBench::run(int ms)
+void PositionRig::run(int ms)
 {
     clock.advance(ms * nsPerMs);
     tick();
 }
 
-void PositionBench::runUntilStandstill()
+void PositionRig::runUntilStandstill()
 {
     constexpr int mostSeconds = 100;
     for (int i = 0; i < mostSeconds * 1000; ++i) {
@@ -79,7 +79,7 @@ void PositionBench::runUntilStandstill()
     tick();
 }
 
-void PositionBench::enter(const QString &name, const QString &text, bool confirms) const
+void PositionRig::enter(const QString &name, const QString &text, bool confirms) const
 {
     QTest::keyClick(box(name), Qt::Key_A, Qt::ControlModifier);
     QTest::keyClicks(box(name), text);
@@ -87,32 +87,32 @@ void PositionBench::enter(const QString &name, const QString &text, bool confirm
         QTest::keyClick(box(name), Qt::Key_Return);
 }
 
-void PositionBench::click(const QString &button) const
+void PositionRig::click(const QString &button) const
 {
     QTest::mouseClick(tool->findChild<QPushButton *>(button), Qt::LeftButton);
 }
 
-QSpinBox *PositionBench::box(const QString &name) const
+QSpinBox *PositionRig::box(const QString &name) const
 {
     return tool->findChild<QSpinBox *>(name);
 }
 
-QString PositionBench::label(const QString &name) const
+QString PositionRig::label(const QString &name) const
 {
     return tool->findChild<QLabel *>(name)->text();
 }
 
-QWidget *PositionBench::plot() const
+QWidget *PositionRig::plot() const
 {
     return tool->findChild<QWidget *>(QStringLiteral("profilePlot"));
 }
 
-QPolygonF PositionBench::profile() const
+QPolygonF PositionRig::profile() const
 {
     return plot()->property("profile").value<QPolygonF>();
 }
 
-QString PositionBench::message() const
+QString PositionRig::message() const
 {
     return plot()->property("message").toString();
 }

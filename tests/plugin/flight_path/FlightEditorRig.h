@@ -1,7 +1,7 @@
 #pragma once
 
 #include "FlightDialogs.h"
-#include "PollBench.h"
+#include "PollRig.h"
 
 #include <QPair>
 #include <QTemporaryDir>
@@ -10,7 +10,7 @@
 #include <memory>
 
 /// Where the settings keep the folder of the last flight path.
-inline const QString folderKey = QStringLiteral("bench tool/Path");
+inline const QString folderKey = QStringLiteral("rig tool/Path");
 
 QtCharts::QChart *chartOf(const QDialog *editor);
 QtCharts::QLineSeries *seriesOf(const QDialog *editor);
@@ -18,7 +18,7 @@ QtCharts::QValueAxis *axisOf(const QDialog *editor, Qt::Orientation orientation)
 void press(const QDialog *editor, QDialogButtonBox::StandardButton which);
 
 /// The tool's flight path, by a look into its editor.
-QVector<QPointF> pathOf(const ToolBench &bench);
+QVector<QPointF> pathOf(const ToolRig &rig);
 
 /// What is seen of a preview.
 struct Preview
@@ -34,7 +34,7 @@ struct Preview
 
 /// Base of the tests of the flight path editor: an empty folder for the files of each test, and no
 /// remembered one.
-class FlightEditorBench : public QObject
+class FlightEditorRig : public QObject
 {
     Q_OBJECT
 

@@ -10,7 +10,7 @@
 #include <memory>
 
 /// Runs the built program from outside, in an empty folder of its own and without a screen.
-class ProgramBench
+class ProgramRig
 {
 public:
     static constexpr int runTimeoutMs = 180000;

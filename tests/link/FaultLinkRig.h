@@ -9,7 +9,7 @@
 
 /// A faulty link in front of a recording one, whose requests take a millisecond each on a stepped
 /// clock. Positions are at 0x10 and 0x20, velocities and targets behind them; 0x13 is a setting.
-struct FaultLinkBench
+struct FaultLinkRig
 {
     static constexpr qint64 msInNs = 1000000;
     static constexpr unsigned int position0 = 0x10;
@@ -17,7 +17,7 @@ struct FaultLinkBench
     static constexpr unsigned int target0 = 0x12;
     static constexpr unsigned int setting = 0x13;
 
-    explicit FaultLinkBench(quint32 seed = workbench::FaultyLink::defaultSeed)
+    explicit FaultLinkRig(quint32 seed = workbench::FaultyLink::defaultSeed)
         : link(device, clock, {{0x10, 0x20}, {0x11, 0x21}, {0x12, 0x22}}, seed)
     {
         device.onRequest = [this] { clock.advance(msInNs); };

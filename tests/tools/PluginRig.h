@@ -6,7 +6,7 @@
 
 /// Base of the tests of the workbench's own tools plug-ins: a tool out of the built module of one
 /// of them. The tool itself is made and deleted by the derived class.
-class PluginBench : public QObject
+class PluginRig : public QObject
 {
     Q_OBJECT
 
@@ -15,7 +15,7 @@ private slots:
 
 protected:
     /// `file` is that of the plug-in under test.
-    explicit PluginBench(const QString &file)
+    explicit PluginRig(const QString &file)
         : pluginFile(file)
     {
     }

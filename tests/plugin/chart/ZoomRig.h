@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include <QPushButton>
 #include <QTest>
@@ -8,9 +8,9 @@
 #include <cmath>
 
 /// A tool on screen that records the history that it is given.
-struct ZoomBench : ToolBench
+struct ZoomRig : ToolRig
 {
-    ZoomBench(int m0min, int m0max, int m1min, int m1max)
+    ZoomRig(int m0min, int m0max, int m1min, int m1max)
     {
         setLimits(m0min, m0max, m1min, m1max);
         show();

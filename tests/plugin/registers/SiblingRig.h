@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include "HostRegistry.h"
 
@@ -40,10 +40,10 @@ public:
 };
 
 /// The tool with its two link buttons; writes down what it asks the device tree for.
-struct SiblingBench : ToolBench
+struct SiblingRig : ToolRig
 {
-    explicit SiblingBench(const BenchGaps &gaps = {})
-        : ToolBench(0, gaps)
+    explicit SiblingRig(const RigGaps &gaps = {})
+        : ToolRig(0, gaps)
         , browser(widget<QAbstractButton>("btnShowRegister"))
         , position(widget<QAbstractButton>("btnShowPosition"))
     {
@@ -56,7 +56,7 @@ struct SiblingBench : ToolBench
                          });
     }
 
-    /// A key that belongs to the bench's module.
+    /// A key that belongs to the rig's module.
     QString key(const char *name) const { return module()->key() + QLatin1String(name); }
 
     /// "browser" and "position" for the buttons that are enabled.

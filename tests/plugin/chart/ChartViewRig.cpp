@@ -1,4 +1,4 @@
-#include "ChartViewBench.h"
+#include "ChartViewRig.h"
 
 #include "HeadlessPlatform.h"
 
@@ -77,19 +77,19 @@ void ChartViewFixture::send(QEvent::Type type, const QPointF &at, Qt::MouseButto
     QCoreApplication::sendEvent(view.viewport(), &event);
 }
 
-void ChartViewBench::initTestCase()
+void ChartViewRig::initTestCase()
 {
     silenceHeadlessPlatform();
 }
 
-void ChartViewBench::init()
+void ChartViewRig::init()
 {
     f = std::make_unique<ChartViewFixture>();
     QVERIFY(f->isShown);
     QVERIFY(f->plot().width() > 200 && f->plot().height() > 200);
 }
 
-void ChartViewBench::cleanup()
+void ChartViewRig::cleanup()
 {
     f.reset();
     QCOMPARE(int(QGuiApplication::keyboardModifiers()), int(Qt::NoModifier));

@@ -16,7 +16,7 @@ class XmlRegisterWidgetContainer;
 /// module whose one chip serves motors 0 and 1. The chip has a target (0x2D, reset value 100), a
 /// read-only actual value of 24 bits (0x21), and a mode register (0x20, reset value 0x101) with the
 /// fields SPEED, a byte from bit 8 on, and LATCH, bit 0.
-class HostWidgetBench : public QObject
+class HostWidgetRig : public QObject
 {
     Q_OBJECT
 

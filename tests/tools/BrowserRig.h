@@ -1,7 +1,7 @@
 #pragma once
 
 #include "HostModule.h"
-#include "PluginBench.h"
+#include "PluginRig.h"
 #include "RecordingLink.h"
 
 #include <QModelIndex>
@@ -26,7 +26,7 @@ struct ModeWatchingLink : RecordingLink
 
 /// Base of the tests of the register browser: a browser of motor 0, not yet on screen, on a module
 /// whose one chip serves motors 0 and 1 and whose link is a recording one.
-class BrowserBench : public PluginBench
+class BrowserRig : public PluginRig
 {
     Q_OBJECT
 
@@ -41,7 +41,7 @@ protected:
     // Of the registers of the test's chip, ten can be read and seen.
     static constexpr int readableCount = 10;
 
-    BrowserBench();
+    BrowserRig();
 
     /// The test's chip: registers plain, signed, of several fields, write-only and hidden.
     static std::shared_ptr<XmlProductIC> makeProduct();

@@ -68,11 +68,11 @@ private:
 /// The event loop never runs the tool's timers: their events come from here alone, so a run is the
 /// same every time. Whatever goes on is watched: what must not happen, whatever the faults, is
 /// listed by violations().
-class FaultBench : public QObject
+class FaultRig : public QObject
 {
 public:
-    explicit FaultBench(quint32 seed = workbench::FaultyLink::defaultSeed);
-    ~FaultBench() override;
+    explicit FaultRig(quint32 seed = workbench::FaultyLink::defaultSeed);
+    ~FaultRig() override;
 
     workbench::SteppedClock clock;
     workbench::SimulatedModule module;
@@ -153,7 +153,7 @@ public:
     void forgetStop() { stopTarget.reset(); }
 
     QStringList takeViolations();
-    /// Start sequences seen since the bench was made.
+    /// Start sequences seen since the rig was made.
     int starts() const { return startsSeen; }
     int movesEnded() const { return endsSeen; }
 
@@ -186,8 +186,8 @@ private:
 };
 
 /// Drops every registered violation into the test's failure message.
-#define VERIFY_CLEAN(bench)                                                                        \
+#define VERIFY_CLEAN(rig)                                                                          \
     do {                                                                                           \
-        const QString found = (bench).takeViolations().join(QStringLiteral("; "));                 \
+        const QString found = (rig).takeViolations().join(QStringLiteral("; "));                   \
         QVERIFY2(found.isEmpty(), qPrintable(found));                                              \
     } while (false)

@@ -1,4 +1,4 @@
-#include "PluginBench.h"
+#include "PluginRig.h"
 
 #include "HeadlessPlatform.h"
 
@@ -7,13 +7,13 @@
 #include <QPluginLoader>
 #include <QTest>
 
-void PluginBench::initTestCase()
+void PluginRig::initTestCase()
 {
     silenceHeadlessPlatform();
     QVERIFY(loadPrototype());
 }
 
-ToolsInterface *PluginBench::loadPrototype(const QString &file)
+ToolsInterface *PluginRig::loadPrototype(const QString &file)
 {
     QPluginLoader loader(file);
     loader.setLoadHints(QLibrary::ResolveAllSymbolsHint);
@@ -23,20 +23,20 @@ ToolsInterface *PluginBench::loadPrototype(const QString &file)
     return prototype;
 }
 
-int PluginBench::timerInterval(QObject *object)
+int PluginRig::timerInterval(QObject *object)
 {
     const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(object);
     return timers.isEmpty() ? -1 : timers.first().interval;
 }
 
-void PluginBench::show() const
+void PluginRig::show() const
 {
     tool->show();
     QVERIFY(QTest::qWaitForWindowExposed(tool));
     tool->showPlugin();
 }
 
-QString PluginBench::status() const
+QString PluginRig::status() const
 {
     return tool->findChild<QLabel *>(QStringLiteral("lbStatus"))->text();
 }

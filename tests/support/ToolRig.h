@@ -23,8 +23,8 @@ ToolsInterface *toolPrototype();
 /// Calls every slot of the tool's own class once, in order; the timer event is null.
 void callEverySlot(QObject *tool);
 
-/// What the chip of a test bench lacks.
-struct BenchGaps
+/// What the chip of a test rig lacks.
+struct RigGaps
 {
     QSet<QString> registers;
     QSet<QString> fields;
@@ -34,12 +34,12 @@ struct BenchGaps
 
 /// A working tool out of the built module, driven from outside: by events, object names, the
 /// meta-object and its timers. Its module answers from a recording link. The registers have
-/// addresses of the bench's own, made so that a tool that assumes an address or an order shows.
-class ToolBench
+/// addresses of the rig's own, made so that a tool that assumes an address or an order shows.
+class ToolRig
 {
 public:
-    explicit ToolBench(unsigned char motor = 0, const BenchGaps &gaps = {});
-    ~ToolBench();
+    explicit ToolRig(unsigned char motor = 0, const RigGaps &gaps = {});
+    ~ToolRig();
 
     ToolsInterface *tool() const { return working.data(); }
     HostModule *module() const { return hostModule.get(); }

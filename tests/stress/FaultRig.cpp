@@ -1,7 +1,7 @@
-#include "FaultBench.h"
+#include "FaultRig.h"
 
 #include "ShippedChip.h"
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include "XmlProductIC.h"
 #include "XmlRegisterSet.h"
@@ -107,7 +107,7 @@ void WatchedLink::enter(bool isStep)
         step(stepNumber);
 }
 
-FaultBench::FaultBench(quint32 seed)
+FaultRig::FaultRig(quint32 seed)
     : module(shippedChip(), clock, nextModuleKey())
     , chipSide(module.link())
     , faulty(chipSide, clock, module.chip().description().axisAddresses(), seed)
@@ -119,14 +119,14 @@ FaultBench::FaultBench(quint32 seed)
     openTool();
 }
 
-FaultBench::~FaultBench()
+FaultRig::~FaultRig()
 {
     faulty.switchOffAll();
     deleteTool();
     module.hostModule().setLink(nullptr);
 }
 
-void FaultBench::wire()
+void FaultRig::wire()
 {
     FaultActions actions;
     actions.resetChip = [this](qint64 ns) {
@@ -152,7 +152,7 @@ void FaultBench::wire()
     module.hostModule().setLink(&hostSide);
 }
 
-void FaultBench::openTool()
+void FaultRig::openTool()
 {
     deleteTool();
     working = toolPrototype()->clone(QStringLiteral("faulty tool"), 0, &module.hostModule());
@@ -165,12 +165,12 @@ void FaultBench::openTool()
     forgetStop();
 }
 
-void FaultBench::deleteTool()
+void FaultRig::deleteTool()
 {
     delete working.data();
 }
 
-void FaultBench::show()
+void FaultRig::show()
 {
     working->resize(900, 600);
     working->show();
@@ -178,38 +178,38 @@ void FaultBench::show()
     working->showPlugin();
 }
 
-void FaultBench::hide()
+void FaultRig::hide()
 {
     working->hide();
     working->hidePlugin();
 }
 
-QToolButton *FaultBench::startButton() const
+QToolButton *FaultRig::startButton() const
 {
     return widget<QToolButton>("pbStart");
 }
 
-QtCharts::QXYSeries *FaultBench::series(int index) const
+QtCharts::QXYSeries *FaultRig::series(int index) const
 {
     return qobject_cast<QtCharts::QXYSeries *>(view()->chart()->series().value(index));
 }
 
-QList<XmlRegisterWidget *> FaultBench::registerWidgets() const
+QList<XmlRegisterWidget *> FaultRig::registerWidgets() const
 {
     return working->findChildren<XmlRegisterWidget *>();
 }
 
-bool FaultBench::isIdle() const
+bool FaultRig::isIdle() const
 {
     return startButton()->isEnabled();
 }
 
-int FaultBench::flightIndex() const
+int FaultRig::flightIndex() const
 {
     return startButton()->property("RunFp").toInt();
 }
 
-void FaultBench::setLimits(int size) const
+void FaultRig::setLimits(int size) const
 {
     for (const char *name : {"spM0max", "spM1max"})
         widget<QSpinBox>(name)->setValue(size);
@@ -217,14 +217,14 @@ void FaultBench::setLimits(int size) const
         widget<QSpinBox>(name)->setValue(-size);
 }
 
-void FaultBench::pick(const QPointF &point)
+void FaultRig::pick(const QPointF &point)
 {
     forgetStop();
     QMetaObject::invokeMethod(working, "setTargetPosition", Q_ARG(QPointF, point),
                               Q_ARG(QPoint, QPoint()));
 }
 
-void FaultBench::pressStart()
+void FaultRig::pressStart()
 {
     hostSide.reset();
     if (isIdle())
@@ -232,12 +232,12 @@ void FaultBench::pressStart()
     startButton()->click();
 }
 
-void FaultBench::pressStop()
+void FaultRig::pressStop()
 {
     forgetStop();
     hostSide.reset();
     const QPointF here = actual();
-    const QPointer<FaultBench> self(this);
+    const QPointer<FaultRig> self(this);
     const QPointer<ToolsInterface> pressed = working;
     widget<QToolButton>("pbStop")->click();
     if (self && pressed && flightIndex() != pathLength)
@@ -246,7 +246,7 @@ void FaultBench::pressStop()
         stopTarget = here;
 }
 
-void FaultBench::runFlightPath()
+void FaultRig::runFlightPath()
 {
     forgetStop();
     if (pathLength == 0)
@@ -257,7 +257,7 @@ void FaultBench::runFlightPath()
     startButton()->menu()->actions().at(0)->trigger();
 }
 
-bool FaultBench::inDialog(const std::function<void(QDialog *)> &act, bool accepts)
+bool FaultRig::inDialog(const std::function<void(QDialog *)> &act, bool accepts)
 {
     bool hasActed = false;
     QObject context;
@@ -276,7 +276,7 @@ bool FaultBench::inDialog(const std::function<void(QDialog *)> &act, bool accept
     return hasActed;
 }
 
-QList<int> FaultBench::timerIntervals() const
+QList<int> FaultRig::timerIntervals() const
 {
     QList<int> intervals;
     const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(working);
@@ -286,7 +286,7 @@ QList<int> FaultBench::timerIntervals() const
     return intervals;
 }
 
-void FaultBench::deliver(int interval, int otherInterval)
+void FaultRig::deliver(int interval, int otherInterval)
 {
     if (!working)
         return;
@@ -304,7 +304,7 @@ void FaultBench::deliver(int interval, int otherInterval)
     }
 }
 
-void FaultBench::round(int stepMs)
+void FaultRig::round(int stepMs)
 {
     constexpr int samples = 5;
     for (int i = 0; i < samples; ++i) {
@@ -314,13 +314,13 @@ void FaultBench::round(int stepMs)
     updateTick();
 }
 
-void FaultBench::rounds(int count)
+void FaultRig::rounds(int count)
 {
     for (int i = 0; i < count && working; ++i)
         round();
 }
 
-bool FaultBench::settle()
+bool FaultRig::settle()
 {
     // In longer and longer steps, for moves across the whole range.
     for (int i = 0; i < 3000 && !isIdle(); ++i)
@@ -328,7 +328,7 @@ bool FaultBench::settle()
     return isIdle();
 }
 
-bool FaultBench::chipComesToRest()
+bool FaultRig::chipComesToRest()
 {
     module.catchUp();
     for (int i = 0; i < 2000 && module.chip().isMoving(); ++i) {
@@ -338,23 +338,23 @@ bool FaultBench::chipComesToRest()
     return !module.chip().isMoving();
 }
 
-QPoint FaultBench::chipPosition()
+QPoint FaultRig::chipPosition()
 {
     module.catchUp();
     return {module.chip().position(0), module.chip().position(1)};
 }
 
-int FaultBench::chipValue(const char *name)
+int FaultRig::chipValue(const char *name)
 {
     return module.registerValue(QLatin1String(name)).value_or(-1);
 }
 
-unsigned int FaultBench::address(const char *name)
+unsigned int FaultRig::address(const char *name)
 {
     return module.chip().description().findRegister(QLatin1String(name))->address;
 }
 
-void FaultBench::writeFromElsewhere(const char *name, int value)
+void FaultRig::writeFromElsewhere(const char *name, int value)
 {
     hostSide.reset();
     XmlValueRegister *reg =
@@ -366,7 +366,7 @@ void FaultBench::writeFromElsewhere(const char *name, int value)
         forgetWrittenTarget();
 }
 
-void FaultBench::repairRamps()
+void FaultRig::repairRamps()
 {
     for (const char *axis : {"M0_", "M1_"}) {
         for (const char *setting : rampNames) {
@@ -378,7 +378,7 @@ void FaultBench::repairRamps()
     }
 }
 
-void FaultBench::postInStep(int number, const std::function<void()> &action)
+void FaultRig::postInStep(int number, const std::function<void()> &action)
 {
     hostSide.reset();
     hostSide.inStep = [this, number, action](int step) {
@@ -389,7 +389,7 @@ void FaultBench::postInStep(int number, const std::function<void()> &action)
     };
 }
 
-void FaultBench::callInRequest(int number, const std::function<void()> &action)
+void FaultRig::callInRequest(int number, const std::function<void()> &action)
 {
     hostSide.reset();
     hostSide.inRequest = [this, number, action](int request) {
@@ -400,38 +400,38 @@ void FaultBench::callInRequest(int number, const std::function<void()> &action)
     };
 }
 
-std::optional<QPoint> FaultBench::writtenTarget() const
+std::optional<QPoint> FaultRig::writtenTarget() const
 {
     if (!targetWrites[0] || !targetWrites[1])
         return std::nullopt;
     return QPoint(*targetWrites[0], *targetWrites[1]);
 }
 
-void FaultBench::forgetWrittenTarget()
+void FaultRig::forgetWrittenTarget()
 {
     targetWrites[0].reset();
     targetWrites[1].reset();
 }
 
-QPoint FaultBench::asTarget(const QPointF &point)
+QPoint FaultRig::asTarget(const QPointF &point)
 {
     return {inRegister(static_cast<int>(point.x())), inRegister(static_cast<int>(point.y()))};
 }
 
-QStringList FaultBench::takeViolations()
+QStringList FaultRig::takeViolations()
 {
     const QStringList taken = violations;
     violations.clear();
     return taken;
 }
 
-void FaultBench::violation(const QString &text)
+void FaultRig::violation(const QString &text)
 {
     if (violations.size() < 20)
         violations << text;
 }
 
-void FaultBench::hostWrites(unsigned int at, int value)
+void FaultRig::hostWrites(unsigned int at, int value)
 {
     if (hostSide.count() > mostRequestsPerEvent)
         violation(QStringLiteral("an event makes requests without end"));
@@ -455,7 +455,7 @@ void FaultBench::hostWrites(unsigned int at, int value)
     }
 }
 
-void FaultBench::hostWrote(unsigned int at, int value)
+void FaultRig::hostWrote(unsigned int at, int value)
 {
     for (int axis = 0; axis < 2; ++axis) {
         if (known.target[std::size_t(axis)] == at)
@@ -463,7 +463,7 @@ void FaultBench::hostWrote(unsigned int at, int value)
     }
 }
 
-void FaultBench::hostRead(unsigned int at, std::optional<int> answer)
+void FaultRig::hostRead(unsigned int at, std::optional<int> answer)
 {
     for (int axis = 0; axis < 2; ++axis) {
         if (known.velocity[std::size_t(axis)] == at)
@@ -472,7 +472,7 @@ void FaultBench::hostRead(unsigned int at, std::optional<int> answer)
 }
 
 /// A move ends, and a flight path goes on, only behind two velocities that were answered with 0.
-void FaultBench::buttonChanged(QEvent *event)
+void FaultRig::buttonChanged(QEvent *event)
 {
     if (event->type() == QEvent::EnabledChange && isIdle()) {
         ++endsSeen;
@@ -495,7 +495,7 @@ void FaultBench::buttonChanged(QEvent *event)
     lastFlightIndex = index;
 }
 
-bool FaultBench::eventFilter(QObject *object, QEvent *event)
+bool FaultRig::eventFilter(QObject *object, QEvent *event)
 {
     // The tool may be half gone, and then it is no tool any more.
     if (object != watchedTool) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include <QCommandLinkButton>
 
@@ -34,10 +34,10 @@ inline QString toolTipFor(const QStringList &m0, const QStringList &m1)
 }
 
 /// The tool with its link button, on a chip whose settings are all 1000.
-struct RampBench : ToolBench
+struct RampRig : ToolRig
 {
-    explicit RampBench(unsigned char motor = 0, const BenchGaps &gaps = {})
-        : ToolBench(motor, gaps)
+    explicit RampRig(unsigned char motor = 0, const RigGaps &gaps = {})
+        : ToolRig(motor, gaps)
         , button(widget<QCommandLinkButton>("btnShowPosition"))
     {
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ToolBench.h"
+#include "ToolRig.h"
 
 #include <QAction>
 #include <QMenu>
@@ -37,10 +37,10 @@ private:
     std::vector<std::unique_ptr<QSignalSpy>> spies;
 };
 
-/// A tool bench for the polling cycle.
-struct PollBench : ToolBench
+/// A tool rig for the polling cycle.
+struct PollRig : ToolRig
 {
-    using ToolBench::ToolBench;
+    using ToolRig::ToolRig;
 
     QToolButton *startButton() const { return widget<QToolButton>("pbStart"); }
     bool isTargetNew() const { return target()->property("NewPt").toBool(); }
