@@ -24,8 +24,7 @@ struct QuietLink : ModuleLink
     bool userFunction(unsigned char *a, unsigned char *b, unsigned char, unsigned char,
                       unsigned char, unsigned int *reply) override
     {
-        const workbench::LinkReply packed =
-            workbench::packPositions(position.x(), position.y());
+        const workbench::LinkReply packed = workbench::packPositions(position.x(), position.y());
         *a = packed.a;
         *b = packed.b;
         *reply = packed.value;
