@@ -16,8 +16,11 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR})
 
 add_library(project_options INTERFACE)
-target_compile_definitions(project_options INTERFACE
-    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_URL_CAST_FROM_STRING)
+# They would forbid these to a host's own headers as well, which the plug-in has to take as they are.
+if(NOT HOST_INCLUDE_DIR)
+    target_compile_definitions(project_options INTERFACE
+        QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_URL_CAST_FROM_STRING)
+endif()
 target_compile_options(project_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Woverloaded-virtual -Wconversion
     $<$<CXX_COMPILER_ID:GNU>:-Wsuggest-override>
